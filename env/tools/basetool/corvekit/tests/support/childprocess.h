@@ -1,0 +1,73 @@
+#ifndef CORVEKIT_TESTS_CHILDPROCESS_H
+#define CORVEKIT_TESTS_CHILDPROCESS_H
+
+#include <QByteArray>
+#include <QMap>
+#include <QProcessEnvironment>
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+
+// Behaviour that depends on the environment, the application's location or process-wide state
+// is tested in a child: the test program runs itself again with CORVEKIT_TEST_SCENARIO set, and
+// the child runs one named scenario and reports on standard output.
+
+struct ChildResult
+{
+    int exitCode = -1;
+    bool crashed = false;
+    QByteArray standardOutput;
+    QByteArray standardError;
+
+    // Lines "name=value" that a scenario printed with report(), by name.
+    QMap<QString, QString> values() const;
+    QString value(const QString &name) const { return values().value(name); }
+    QStringList outputLines() const;
+    QStringList errorLines() const;
+};
+
+// An environment with nothing of the suite in it, HOME and XDG_CONFIG_HOME inside \a home.
+QProcessEnvironment cleanEnvironment(const QString &home);
+
+// Runs \a scenario in a child from \a program (by default this test program).
+ChildResult runScenario(const QString &scenario, const QProcessEnvironment &environment,
+                        const QString &program = QString(),
+                        const QString &workingDirectory = QString());
+
+// Runs any program with \a arguments and \a environment; optional \a input goes to its stdin.
+ChildResult runProgram(const QString &program, const QStringList &arguments,
+                       const QProcessEnvironment &environment,
+                       const QString &workingDirectory = QString(),
+                       const QByteArray &input = QByteArray());
+
+// Copies this test program to \a directory (created as needed) and returns the copy's path, so
+// that a child's applicationDirPath() is that directory.
+QString placeApplication(const QString &directory);
+
+// In a child: prints "name=value" for the parent to read.
+void report(const QString &name, const QString &value);
+
+// Writes \a text to \a path, making its folders; fails the test on an error.
+bool writeFile(const QString &path, const QByteArray &text);
+
+using ScenarioTable = QMap<QString, std::function<int()>>;
+
+// Runs the scenario that CORVEKIT_TEST_SCENARIO names, if any, and gives its exit code in
+// \a exitCode. Returns false in the parent, which then runs its tests.
+bool runChildScenario(const ScenarioTable &scenarios, int &exitCode);
+
+// A main() for a Qt Test class whose tests start children running \a scenarios.
+#define CORVEKIT_TEST_MAIN_WITH_SCENARIOS(TestClass, scenarios)                                    \
+    int main(int argc, char *argv[])                                                               \
+    {                                                                                              \
+        QCoreApplication application(argc, argv);                                                  \
+        int childExit = 0;                                                                         \
+        if (runChildScenario(scenarios(), childExit))                                              \
+            return childExit;                                                                      \
+        TestClass test;                                                                            \
+        QTEST_SET_MAIN_SOURCE_PATH                                                                 \
+        return QTest::qExec(&test, argc, argv);                                                    \
+    }
+
+#endif
