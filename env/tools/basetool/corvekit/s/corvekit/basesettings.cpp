@@ -15,12 +15,25 @@ QString BaseSettings::m_prjPath;
 const char *const BaseSettings::m_setting_file = ".setting";
 
 // The three levels of one construction. Copies of a BaseSettings share one Levels, so each
-// QSettings is deleted exactly once, by whichever holder goes last.
+// QSettings is deleted exactly once, by whichever holder goes last. Like the QSettings inside,
+// the objects that share one Levels belong to one thread at a time, so the count is plain.
 struct BaseSettings::Levels
 {
     QSettings *system = nullptr;
     QSettings *user = nullptr;
     QSettings *project = nullptr;
+    int holders = 1;
+
+    static Levels *acquire(Levels *levels)
+    {
+        ++levels->holders;
+        return levels;
+    }
+    static void release(Levels *levels)
+    {
+        if (--levels->holders == 0)
+            delete levels;
+    }
 
     Levels() = default;
     Levels(const Levels &) = delete;
@@ -62,7 +75,7 @@ BaseSettings::BaseSettings()
 {}
 
 BaseSettings::BaseSettings(QString projectPath)
-    : m_levels(std::make_shared<Levels>())
+    : m_levels(new Levels)
 {
     const QString settingFile = QLatin1String(m_setting_file) + QLatin1String(".ini");
 
@@ -100,16 +113,28 @@ BaseSettings::BaseSettings(QString projectPath)
     m_project_setting = m_levels->project;
 }
 
-BaseSettings::BaseSettings(const BaseSettings &other) = default;
+BaseSettings::BaseSettings(const BaseSettings &other)
+    : m_system_setting(other.m_system_setting)
+    , m_user_setting(other.m_user_setting)
+    , m_project_setting(other.m_project_setting)
+    , m_levels(Levels::acquire(other.m_levels))
+{
+}
 
-BaseSettings::~BaseSettings() = default;
+BaseSettings::~BaseSettings()
+{
+    Levels::release(m_levels);
+}
 
 BaseSettings &BaseSettings::operator=(const BaseSettings &other)
 {
+    // Taking the other's levels first keeps self-assignment from closing them.
+    Levels *const previous = m_levels;
+    m_levels = Levels::acquire(other.m_levels);
     m_system_setting = other.m_system_setting;
     m_user_setting = other.m_user_setting;
     m_project_setting = other.m_project_setting;
-    m_levels = other.m_levels;
+    Levels::release(previous);
     return *this;
 }
 

@@ -7,8 +7,6 @@
 #include <QString>
 #include <QVariant>
 
-#include <memory>
-
 class QSettings;
 
 /*!
@@ -92,7 +90,7 @@ private:
     QSettings *m_system_setting = nullptr;
     QSettings *m_user_setting = nullptr;
     QSettings *m_project_setting = nullptr;
-    std::shared_ptr<Levels> m_levels; // owns the three levels above, shared between copies
+    Levels *m_levels = nullptr; // owns the three levels above; counted, shared between copies
 
     static QString m_prjPath;
     static const char *const m_setting_file;
