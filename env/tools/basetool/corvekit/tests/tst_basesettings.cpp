@@ -104,7 +104,8 @@ int runSharing()
     a->setOnProjectLevel(QStringLiteral("AFTER"), QStringLiteral("from-a"));
     BaseSettings copy(*a);
     delete a;
-    report(QStringLiteral("copyReads"), copy.getSetting(QStringLiteral("AFTER"), QVariant()).toString());
+    report(QStringLiteral("copyReads"),
+           copy.getSetting(QStringLiteral("AFTER"), QVariant()).toString());
     return 0;
 }
 
@@ -179,17 +180,27 @@ void TestBaseSettings::projectFile_data()
     QTest::addColumn<QString>("argument");
     QTest::addColumn<QString>("expected"); // relative names are relative to the working dir
 
-    QTest::newRow("directory with slash") << "<unset>" << "/home/me/proj/"
+    QTest::newRow("directory with slash") << "<unset>"
+                                          << "/home/me/proj/"
                                           << "/home/me/proj/.setting.ini";
-    QTest::newRow("no slash: a file beside the directory")
-        << "<unset>" << "/home/me/proj" << "/home/me/proj.setting.ini";
-    QTest::newRow("no path: the working directory") << "<unset>" << "<null>" << "$W/.setting.ini";
-    QTest::newRow("static path") << "/p/static/" << "<null>" << "/p/static/.setting.ini";
-    QTest::newRow("argument wins over the static path")
-        << "/p/static/" << "/p/argument/" << "/p/argument/.setting.ini";
-    QTest::newRow("empty argument counts as none")
-        << "/p/static/" << "" << "/p/static/.setting.ini";
-    QTest::newRow("empty static path clears it") << "" << "<null>" << "$W/.setting.ini";
+    QTest::newRow("no slash: a file beside the directory") << "<unset>"
+                                                           << "/home/me/proj"
+                                                           << "/home/me/proj.setting.ini";
+    QTest::newRow("no path: the working directory") << "<unset>"
+                                                    << "<null>"
+                                                    << "$W/.setting.ini";
+    QTest::newRow("static path") << "/p/static/"
+                                 << "<null>"
+                                 << "/p/static/.setting.ini";
+    QTest::newRow("argument wins over the static path") << "/p/static/"
+                                                        << "/p/argument/"
+                                                        << "/p/argument/.setting.ini";
+    QTest::newRow("empty argument counts as none") << "/p/static/"
+                                                   << ""
+                                                   << "/p/static/.setting.ini";
+    QTest::newRow("empty static path clears it") << ""
+                                                 << "<null>"
+                                                 << "$W/.setting.ini";
 }
 
 void TestBaseSettings::projectFile()
@@ -233,15 +244,24 @@ void TestBaseSettings::userFile_data()
     QTest::addColumn<QString>("expected");      // $I individual, $S sibling, $G group
     QTest::addColumn<bool>("group");
 
-    QTest::newRow("individual") << "synth" << "<unset>" << "$I" << false;
-    QTest::newRow("empty variable counts as unset") << "synth" << "" << "$I" << false;
-    QTest::newRow("group file") << "synth" << "$G" << "$G" << true;
-    QTest::newRow("group file that does not exist yet") << "synth" << "$G.missing"
+    QTest::newRow("individual") << "synth"
+                                << "<unset>"
+                                << "$I" << false;
+    QTest::newRow("empty variable counts as unset") << "synth"
+                                                    << ""
+                                                    << "$I" << false;
+    QTest::newRow("group file") << "synth"
+                                << "$G"
+                                << "$G" << true;
+    QTest::newRow("group file that does not exist yet") << "synth"
+                                                        << "$G.missing"
                                                         << "$G.missing" << true;
-    QTest::newRow("sibling application ignores the variable")
-        << "Fenwright Studio" << "$G" << "$S" << false;
-    QTest::newRow("sibling name in another case is not the sibling")
-        << "fenwright studio" << "<unset>" << "$I" << false;
+    QTest::newRow("sibling application ignores the variable") << "Fenwright Studio"
+                                                              << "$G"
+                                                              << "$S" << false;
+    QTest::newRow("sibling name in another case is not the sibling") << "fenwright studio"
+                                                                     << "<unset>"
+                                                                     << "$I" << false;
 }
 
 void TestBaseSettings::userFile()
@@ -284,30 +304,45 @@ void TestBaseSettings::lookup_data()
     QTest::addColumn<QString>("systemOnly");
 
     const QByteArray all = "K=from-level\n";
-    QTest::newRow("project first") << QByteArray("K=project\n") << QByteArray("K=user\n")
-                                   << QByteArray("K=system\n") << "K" << "project" << "system";
-    QTest::newRow("user before system") << QByteArray() << QByteArray("K=user\n")
-                                        << QByteArray("K=system\n") << "K" << "user" << "system";
-    QTest::newRow("system alone") << QByteArray() << QByteArray() << QByteArray("K=system\n")
-                                  << "K" << "system" << "system";
-    QTest::newRow("no level: the default") << all << all << all << "MISSING" << "<default>"
+    QTest::newRow("project first")
+        << QByteArray("K=project\n") << QByteArray("K=user\n") << QByteArray("K=system\n") << "K"
+        << "project"
+        << "system";
+    QTest::newRow("user before system")
+        << QByteArray() << QByteArray("K=user\n") << QByteArray("K=system\n") << "K"
+        << "user"
+        << "system";
+    QTest::newRow("system alone") << QByteArray() << QByteArray() << QByteArray("K=system\n") << "K"
+                                  << "system"
+                                  << "system";
+    QTest::newRow("no level: the default") << all << all << all << "MISSING"
+                                           << "<default>"
                                            << "<default>";
     QTest::newRow("project only: not a system default")
-        << QByteArray("K=project\n") << QByteArray() << QByteArray() << "K" << "project"
+        << QByteArray("K=project\n") << QByteArray() << QByteArray() << "K"
+        << "project"
         << "<default>";
     QTest::newRow("empty value hides the next level")
-        << QByteArray("K=\n") << QByteArray("K=user\n") << QByteArray() << "K" << "" << "<default>";
-    QTest::newRow("empty system value is not null") << QByteArray() << QByteArray()
-                                                    << QByteArray("K=\n") << "K" << "" << "";
+        << QByteArray("K=\n") << QByteArray("K=user\n") << QByteArray() << "K"
+        << ""
+        << "<default>";
+    QTest::newRow("empty system value is not null")
+        << QByteArray() << QByteArray() << QByteArray("K=\n") << "K"
+        << ""
+        << "";
     QTest::newRow("groups are keys with a slash")
         << QByteArray("[File_Extension]\nVHDL=vhd\n") << QByteArray() << QByteArray()
-        << "File_Extension/VHDL" << "vhd" << "<default>";
-    QTest::newRow("lists are not merged across levels")
-        << QByteArray("K=a, b\n") << QByteArray("K=c, d\n") << QByteArray() << "K" << "a,b"
+        << "File_Extension/VHDL"
+        << "vhd"
         << "<default>";
-    QTest::newRow("keys are case-sensitive") << QByteArray("k=lower\n") << QByteArray()
-                                             << QByteArray("K=upper\n") << "K" << "upper"
-                                             << "upper";
+    QTest::newRow("lists are not merged across levels")
+        << QByteArray("K=a, b\n") << QByteArray("K=c, d\n") << QByteArray() << "K"
+        << "a,b"
+        << "<default>";
+    QTest::newRow("keys are case-sensitive")
+        << QByteArray("k=lower\n") << QByteArray() << QByteArray("K=upper\n") << "K"
+        << "upper"
+        << "upper";
 }
 
 void TestBaseSettings::lookup()
@@ -379,8 +414,8 @@ void TestBaseSettings::groupFileWarnings_data()
 
     QTest::newRow("directory") << QByteArray()
                                << "Warning: There is access or format error in file $G";
-    QTest::newRow("malformed file") << QByteArray("[General\nA=1\n")
-                                    << "Warning: There is access or format error in file $G";
+    QTest::newRow("malformed file")
+        << QByteArray("[General\nA=1\n") << "Warning: There is access or format error in file $G";
 }
 
 void TestBaseSettings::groupFileWarnings()

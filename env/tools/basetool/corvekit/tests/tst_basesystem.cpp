@@ -137,25 +137,24 @@ private slots:
 
 void TestBaseSystem::initializeSystem_data()
 {
-    QTest::addColumn<QStringList>("environment");   // NAME=value pairs set before start
-    QTest::addColumn<QString>("systemSetting");     // ZEKPROG_PATH in $T/data/.setting.ini
-    QTest::addColumn<QString>("userSetting");       // ZEKPROG_PATH in the user's file
-    QTest::addColumn<QStringList>("expected");      // TOOLRTF, FOUNDRY, ZEKPROG_PATH after
+    QTest::addColumn<QStringList>("environment"); // NAME=value pairs set before start
+    QTest::addColumn<QString>("systemSetting");   // ZEKPROG_PATH in $T/data/.setting.ini
+    QTest::addColumn<QString>("userSetting");     // ZEKPROG_PATH in the user's file
+    QTest::addColumn<QStringList>("expected");    // TOOLRTF, FOUNDRY, ZEKPROG_PATH after
     QTest::addColumn<QStringList>("expectedTraces");
 
-    QTest::newRow("nothing set")
-        << QStringList() << QString() << QString()
-        << QStringList{"$R", "$R/zekfpga", "$R/zekprog"}
-        << QStringList{"setenv TOOLRTF=$R", "setenv FOUNDRY=$R/zekfpga",
-                       "setenv ZEKPROG_PATH=$R/zekprog"};
+    QTest::newRow("nothing set") << QStringList() << QString() << QString()
+                                 << QStringList{"$R", "$R/zekfpga", "$R/zekprog"}
+                                 << QStringList{"setenv TOOLRTF=$R", "setenv FOUNDRY=$R/zekfpga",
+                                                "setenv ZEKPROG_PATH=$R/zekprog"};
     QTest::newRow("TOOLRTF set: FOUNDRY still follows the application")
         << QStringList{"TOOLRTF=$T"} << QString() << QString()
         << QStringList{"$T", "$R/zekfpga", "$T/zekprog"}
         << QStringList{"setenv FOUNDRY=$R/zekfpga", "setenv ZEKPROG_PATH=$T/zekprog"};
-    QTest::newRow("FOUNDRY set")
-        << QStringList{"FOUNDRY=/opt/foundry"} << QString() << QString()
-        << QStringList{"$R", "/opt/foundry", "$R/zekprog"}
-        << QStringList{"setenv TOOLRTF=$R", "setenv ZEKPROG_PATH=$R/zekprog"};
+    QTest::newRow("FOUNDRY set") << QStringList{"FOUNDRY=/opt/foundry"} << QString() << QString()
+                                 << QStringList{"$R", "/opt/foundry", "$R/zekprog"}
+                                 << QStringList{"setenv TOOLRTF=$R",
+                                                "setenv ZEKPROG_PATH=$R/zekprog"};
     QTest::newRow("both set: only ZEKPROG_PATH is derived")
         << QStringList{"TOOLRTF=$T", "FOUNDRY=/opt/foundry"} << QString() << QString()
         << QStringList{"$T", "/opt/foundry", "$T/zekprog"}
@@ -165,13 +164,12 @@ void TestBaseSystem::initializeSystem_data()
         << QStringList{"$T", "/f", "tools/zekprog"}
         << QStringList{"setenv ZEKPROG_PATH=tools/zekprog"};
     QTest::newRow("user setting wins over the system setting")
-        << QStringList{"TOOLRTF=$T", "FOUNDRY=/f"} << "/system/zekprog" << "/user/zekprog"
-        << QStringList{"$T", "/f", "/user/zekprog"}
+        << QStringList{"TOOLRTF=$T", "FOUNDRY=/f"} << "/system/zekprog"
+        << "/user/zekprog" << QStringList{"$T", "/f", "/user/zekprog"}
         << QStringList{"setenv ZEKPROG_PATH=/user/zekprog"};
     QTest::newRow("ZEKPROG_PATH in the environment is not replaced by a setting")
-        << QStringList{"TOOLRTF=$T", "FOUNDRY=/f", "ZEKPROG_PATH=/env/zekprog"}
-        << "/system/zekprog" << QString() << QStringList{"$T", "/f", "/env/zekprog"}
-        << QStringList();
+        << QStringList{"TOOLRTF=$T", "FOUNDRY=/f", "ZEKPROG_PATH=/env/zekprog"} << "/system/zekprog"
+        << QString() << QStringList{"$T", "/f", "/env/zekprog"} << QStringList();
     QTest::newRow("empty values count as set")
         << QStringList{"TOOLRTF=", "FOUNDRY=", "ZEKPROG_PATH="} << QString() << QString()
         << QStringList{"", "", ""} << QStringList();
@@ -232,10 +230,12 @@ void TestBaseSystem::layout_data()
     QTest::addColumn<QString>("toolrtf"); // "<unset>" leaves it unset
     QTest::addColumn<QString>("root");    // the root every path starts with
 
-    QTest::newRow("plain root") << "$T" << "$T";
-    QTest::newRow("trailing separator is dropped") << "$T/" << "$T";
-    QTest::newRow("unset: application directory, unresolved")
-        << "<unset>" << "$R/bin/nt64/../..";
+    QTest::newRow("plain root") << "$T"
+                                << "$T";
+    QTest::newRow("trailing separator is dropped") << "$T/"
+                                                   << "$T";
+    QTest::newRow("unset: application directory, unresolved") << "<unset>"
+                                                              << "$R/bin/nt64/../..";
 }
 
 void TestBaseSystem::layout()
@@ -272,21 +272,29 @@ void TestBaseSystem::environmentWrites_data()
     QTest::addColumn<QString>("after");
     QTest::addColumn<QString>("trace");
 
-    QTest::newRow("text") << "<unset>" << "string:CORVEKIT_VAR:/opt/x" << 0 << "/opt/x"
+    QTest::newRow("text") << "<unset>"
+                          << "string:CORVEKIT_VAR:/opt/x" << 0 << "/opt/x"
                           << "setenv CORVEKIT_VAR=/opt/x";
-    QTest::newRow("true is 1") << "<unset>" << "bool:CORVEKIT_VAR:1" << 0 << "1"
+    QTest::newRow("true is 1") << "<unset>"
+                               << "bool:CORVEKIT_VAR:1" << 0 << "1"
                                << "setenv CORVEKIT_VAR=1";
-    QTest::newRow("false is 0") << "<unset>" << "bool:CORVEKIT_VAR:0" << 0 << "0"
+    QTest::newRow("false is 0") << "<unset>"
+                                << "bool:CORVEKIT_VAR:0" << 0 << "0"
                                 << "setenv CORVEKIT_VAR=0";
     QTest::newRow("empty text removes, traced as setenv")
-        << "old" << "string:CORVEKIT_VAR:" << 0 << "<unset>" << "setenv CORVEKIT_VAR=";
-    QTest::newRow("unset traces the equal sign")
-        << "old" << "unset:CORVEKIT_VAR" << 0 << "<unset>" << "unsetenv CORVEKIT_VAR=";
+        << "old"
+        << "string:CORVEKIT_VAR:" << 0 << "<unset>"
+        << "setenv CORVEKIT_VAR=";
+    QTest::newRow("unset traces the equal sign") << "old"
+                                                 << "unset:CORVEKIT_VAR" << 0 << "<unset>"
+                                                 << "unsetenv CORVEKIT_VAR=";
     QTest::newRow("beyond Latin-1 becomes a question mark")
         << "<unset>" << QStringLiteral("string:CORVEKIT_VAR:Gr\u00fc\u00dfe \u20ac") << 0
-        << QStringLiteral("Gr\u00fc\u00dfe ?") << QStringLiteral("setenv CORVEKIT_VAR=Gr\u00fc\u00dfe ?");
-    QTest::newRow("failed write is still traced")
-        << "old" << "string::value" << -1 << "<unset>" << "setenv =value";
+        << QStringLiteral("Gr\u00fc\u00dfe ?")
+        << QStringLiteral("setenv CORVEKIT_VAR=Gr\u00fc\u00dfe ?");
+    QTest::newRow("failed write is still traced") << "old"
+                                                  << "string::value" << -1 << "<unset>"
+                                                  << "setenv =value";
 }
 
 void TestBaseSystem::environmentWrites()
@@ -321,8 +329,7 @@ void TestBaseSystem::environmentWrites()
 void TestBaseSystem::processValues()
 {
     QTemporaryDir home;
-    const ChildResult child =
-        runScenario(QStringLiteral("values"), cleanEnvironment(home.path()));
+    const ChildResult child = runScenario(QStringLiteral("values"), cleanEnvironment(home.path()));
     QCOMPARE(child.exitCode, 0);
     QCOMPARE(child.value(QStringLiteral("emailNull")), QStringLiteral("0"));
     QCOMPARE(child.value(QStringLiteral("email")), QString());

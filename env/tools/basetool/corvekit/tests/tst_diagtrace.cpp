@@ -26,7 +26,8 @@ int runTraceSteps()
             const QString tag = step.section(QLatin1Char(':'), 1, 1);
             const QByteArray message = step.section(QLatin1Char(':'), 2).toLatin1();
             const QByteArray tagBytes = tag.toLatin1();
-            diagTrace(message.constData(), tag == QLatin1String("-") ? nullptr : tagBytes.constData());
+            diagTrace(message.constData(),
+                      tag == QLatin1String("-") ? nullptr : tagBytes.constData());
         } else if (step.startsWith(QLatin1String("set:"))) {
             qputenv("TIVORANDEBUG", step.mid(4).toLocal8Bit());
         } else if (step == QLatin1String("unset")) {
@@ -82,35 +83,53 @@ void TestDiagTrace::destination_data()
     QTest::addColumn<QString>("expectedFile");
 
     const QString noFile = QStringLiteral("<no file>");
-    QTest::newRow("unset writes nothing")
-        << QVariant() << "trace:CORVEKIT:hello" << "" << "trace.log" << noFile;
+    QTest::newRow("unset writes nothing") << QVariant() << "trace:CORVEKIT:hello"
+                                          << ""
+                                          << "trace.log" << noFile;
     QTest::newRow("empty value goes to stdout")
         << QVariant(QString()) << "trace:CORVEKIT:setenv FOUNDRY=/opt/tools"
-        << "CORVEKIT At <time>: setenv FOUNDRY=/opt/tools\n" << "trace.log" << noFile;
+        << "CORVEKIT At <time>: setenv FOUNDRY=/opt/tools\n"
+        << "trace.log" << noFile;
     QTest::newRow("leading blank goes to stdout whatever follows")
-        << QVariant(" trace.log") << "trace:T:one" << "T At <time>: one\n" << "trace.log" << noFile;
+        << QVariant(" trace.log") << "trace:T:one"
+        << "T At <time>: one\n"
+        << "trace.log" << noFile;
     QTest::newRow("relative path is a file in the working directory")
-        << QVariant("trace.log") << "trace:CORVEKIT:one|trace:CORVEKIT:two" << ""
-        << "trace.log" << "CORVEKIT At <time>: one\nCORVEKIT At <time>: two\n";
-    QTest::newRow("leading tab is part of a path")
-        << QVariant("\ttrace.log") << "trace:T:one" << "" << "\ttrace.log" << "T At <time>: one\n";
-    QTest::newRow("null tag starts the line with At")
-        << QVariant(QString()) << "trace:-:plain" << "At <time>: plain\n" << "trace.log" << noFile;
+        << QVariant("trace.log") << "trace:CORVEKIT:one|trace:CORVEKIT:two"
+        << ""
+        << "trace.log"
+        << "CORVEKIT At <time>: one\nCORVEKIT At <time>: two\n";
+    QTest::newRow("leading tab is part of a path") << QVariant("\ttrace.log") << "trace:T:one"
+                                                   << ""
+                                                   << "\ttrace.log"
+                                                   << "T At <time>: one\n";
+    QTest::newRow("null tag starts the line with At") << QVariant(QString()) << "trace:-:plain"
+                                                      << "At <time>: plain\n"
+                                                      << "trace.log" << noFile;
     QTest::newRow("newlines in the message are kept")
-        << QVariant(QString()) << "trace:T:first\\nsecond" << "T At <time>: first\nsecond\n"
+        << QVariant(QString()) << "trace:T:first\\nsecond"
+        << "T At <time>: first\nsecond\n"
         << "trace.log" << noFile;
     QTest::newRow("a new path later does not move the open file")
-        << QVariant("first.log") << "trace:T:one|set:second.log|trace:T:two" << ""
-        << "first.log" << "T At <time>: one\nT At <time>: two\n";
+        << QVariant("first.log") << "trace:T:one|set:second.log|trace:T:two"
+        << ""
+        << "first.log"
+        << "T At <time>: one\nT At <time>: two\n";
     QTest::newRow("removing the variable silences the open file")
-        << QVariant("trace.log") << "trace:T:one|unset|trace:T:two" << "" << "trace.log"
+        << QVariant("trace.log") << "trace:T:one|unset|trace:T:two"
+        << ""
+        << "trace.log"
         << "T At <time>: one\n";
     QTest::newRow("a blank later sends lines to stdout")
-        << QVariant("trace.log") << "trace:T:one|set: |trace:T:two" << "T At <time>: two\n"
-        << "trace.log" << "T At <time>: one\n";
+        << QVariant("trace.log") << "trace:T:one|set: |trace:T:two"
+        << "T At <time>: two\n"
+        << "trace.log"
+        << "T At <time>: one\n";
     QTest::newRow("unopenable path drops the line and tries again")
-        << QVariant("missing/trace.log") << "trace:T:lost|mkdir:missing|trace:T:kept" << ""
-        << "missing/trace.log" << "T At <time>: kept\n";
+        << QVariant("missing/trace.log") << "trace:T:lost|mkdir:missing|trace:T:kept"
+        << ""
+        << "missing/trace.log"
+        << "T At <time>: kept\n";
 }
 
 void TestDiagTrace::destination()
@@ -145,7 +164,8 @@ void TestDiagTrace::secondProcessEmptiesTheFile()
 
     environment.insert(QStringLiteral("CORVEKIT_TRACE_STEPS"), QStringLiteral("trace:T:first run"));
     QCOMPARE(runScenario(QStringLiteral("trace"), environment, {}, work.path()).exitCode, 0);
-    environment.insert(QStringLiteral("CORVEKIT_TRACE_STEPS"), QStringLiteral("trace:T:second run"));
+    environment.insert(QStringLiteral("CORVEKIT_TRACE_STEPS"),
+                       QStringLiteral("trace:T:second run"));
     QCOMPARE(runScenario(QStringLiteral("trace"), environment, {}, work.path()).exitCode, 0);
 
     QCOMPARE(withoutStamps(fileText(work.filePath(QStringLiteral("trace.log")))),

@@ -32,8 +32,8 @@ int runAssignment()
 
     // A child started now inherits the change.
     const ChildResult grandchild =
-        runProgram(QStringLiteral("/bin/sh"), {QStringLiteral("-c"),
-                                               QStringLiteral("echo \"${CORVEKIT_PROBE-<unset>}\"")},
+        runProgram(QStringLiteral("/bin/sh"),
+                   {QStringLiteral("-c"), QStringLiteral("echo \"${CORVEKIT_PROBE-<unset>}\"")},
                    QProcessEnvironment::systemEnvironment());
     report(QStringLiteral("inherited"), QString::fromLatin1(grandchild.standardOutput).trimmed());
     return 0;

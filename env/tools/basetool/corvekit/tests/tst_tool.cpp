@@ -77,9 +77,8 @@ void TestTool::envText()
 void TestTool::envJson()
 {
     Sandbox sandbox;
-    const ChildResult result =
-        sandbox.run({QStringLiteral("env"), QStringLiteral("--json"), QStringLiteral("--project"),
-                     sandbox.project()});
+    const ChildResult result = sandbox.run({QStringLiteral("env"), QStringLiteral("--json"),
+                                            QStringLiteral("--project"), sandbox.project()});
     QCOMPARE(result.exitCode, 0);
     const QJsonObject json = parseJson(result.standardOutput);
     QCOMPARE(json.value(QStringLiteral("installRoot")).toString(), sandbox.root());
@@ -93,7 +92,8 @@ void TestTool::envJson()
              sandbox.root() + "/tcltk/windows/bin/tclsh");
     const QJsonObject files = json.value(QStringLiteral("settingsFiles")).toObject();
     QCOMPARE(files.value(QStringLiteral("project")).toString(), sandbox.project() + ".setting.ini");
-    QCOMPARE(files.value(QStringLiteral("system")).toString(), sandbox.root() + "/data/.setting.ini");
+    QCOMPARE(files.value(QStringLiteral("system")).toString(),
+             sandbox.root() + "/data/.setting.ini");
     QCOMPARE(json.value(QStringLiteral("groupSettingFile")).toBool(true), false);
 }
 
@@ -103,10 +103,10 @@ void TestTool::settingsGet_data()
     QTest::addColumn<int>("exitCode");
     QTest::addColumn<QString>("output");
 
-    QTest::newRow("project level") << QStringList{"FAMILY", "--project", "$P"} << 0
-                                   << "project\tproject-family";
-    QTest::newRow("user level without a project") << QStringList{"FAMILY"} << 0
-                                                  << "user\tuser-family";
+    QTest::newRow("project level")
+        << QStringList{"FAMILY", "--project", "$P"} << 0 << "project\tproject-family";
+    QTest::newRow("user level without a project")
+        << QStringList{"FAMILY"} << 0 << "user\tuser-family";
     QTest::newRow("user over system") << QStringList{"LIMIT"} << 0 << "user\t2000";
     QTest::newRow("system level") << QStringList{"SIMULATOR_TYPE"} << 0 << "system\tQuestaSim";
     QTest::newRow("list value") << QStringList{"LIST"} << 0 << "user\ta, b";
@@ -147,13 +147,14 @@ void TestTool::malformedFile()
 {
     Sandbox sandbox;
     QVERIFY(writeFile(sandbox.project() + ".setting.ini", "[General\nFAMILY=broken\n"));
-    const ChildResult result = sandbox.run({QStringLiteral("settings"), QStringLiteral("get"),
-                                            QStringLiteral("FAMILY"), QStringLiteral("--project"),
-                                            sandbox.project()});
+    const ChildResult result =
+        sandbox.run({QStringLiteral("settings"), QStringLiteral("get"), QStringLiteral("FAMILY"),
+                     QStringLiteral("--project"), sandbox.project()});
     QCOMPARE(result.exitCode, 3);
     QCOMPARE(result.standardOutput, QByteArray());
-    QCOMPARE(result.errorLines(), QStringList{QStringLiteral("corvekit: %1: malformed settings file")
-                                                  .arg(sandbox.project() + ".setting.ini")});
+    QCOMPARE(result.errorLines(),
+             QStringList{QStringLiteral("corvekit: %1: malformed settings file")
+                             .arg(sandbox.project() + ".setting.ini")});
 }
 
 void TestTool::usage_data()
@@ -183,7 +184,8 @@ void TestTool::usage()
         QCOMPARE(result.standardOutput, QByteArray());
         QVERIFY(!result.standardError.isEmpty());
     } else {
-        QVERIFY(result.standardOutput.contains("Usage") || result.standardOutput.contains("Options"));
+        QVERIFY(result.standardOutput.contains("Usage") ||
+                result.standardOutput.contains("Options"));
     }
 }
 

@@ -118,8 +118,7 @@ BaseSettings::BaseSettings(const BaseSettings &other)
     , m_user_setting(other.m_user_setting)
     , m_project_setting(other.m_project_setting)
     , m_levels(Levels::acquire(other.m_levels))
-{
-}
+{}
 
 BaseSettings::~BaseSettings()
 {
