@@ -40,7 +40,6 @@ void deliver(const char *number, const char *text)
 } // namespace
 
 msgManager::msgManager() = default;
-msgManager::~msgManager() = default;
 
 int msgManager::postMsg(const char *msgNumber, ...)
 {
@@ -52,7 +51,8 @@ int msgManager::postMsg(const char *msgNumber, ...)
     }
     va_list args;
     va_start(args, msgNumber);
-    const char *text = va_arg(args, const char *);
+    // The analyzer loses track of va_start through GCC's builtin va_list.
+    const char *text = va_arg(args, const char *); // NOLINT(clang-analyzer-valist.Uninitialized)
     va_end(args);
     deliver(msgNumber, text ? text : "(null)");
     return 0;

@@ -9,7 +9,7 @@ class HULMAR_EXPORT msgManager
 {
 public:
     msgManager();
-    ~msgManager();
+    ~msgManager() = default;
     msgManager(const msgManager &) = delete;
     msgManager &operator=(const msgManager &) = delete;
 

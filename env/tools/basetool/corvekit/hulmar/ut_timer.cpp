@@ -40,8 +40,6 @@ UT_TIMER::UT_TIMER()
     , m_realStart(realNow())
 {}
 
-UT_TIMER::~UT_TIMER() = default;
-
 void UT_TIMER::reset()
 {
     m_cpuStart = cpuNow();

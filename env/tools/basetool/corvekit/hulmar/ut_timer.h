@@ -9,7 +9,7 @@ class HULMAR_EXPORT UT_TIMER
 {
 public:
     UT_TIMER();
-    ~UT_TIMER();
+    ~UT_TIMER() = default;
     UT_TIMER(const UT_TIMER &) = default;
     UT_TIMER &operator=(const UT_TIMER &) = default;
 

@@ -127,7 +127,8 @@ BaseSettings::~BaseSettings()
 
 BaseSettings &BaseSettings::operator=(const BaseSettings &other)
 {
-    // Taking the other's levels first keeps self-assignment from closing them.
+    if (this == &other)
+        return *this;
     Levels *const previous = m_levels;
     m_levels = Levels::acquire(other.m_levels);
     m_system_setting = other.m_system_setting;

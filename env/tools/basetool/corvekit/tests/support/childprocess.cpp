@@ -91,7 +91,7 @@ QString placeApplication(const QString &directory)
 {
     QDir().mkpath(directory);
     const QString source = QCoreApplication::applicationFilePath();
-    const QString target = directory + QLatin1Char('/') + QFileInfo(source).fileName();
+    QString target = directory + QLatin1Char('/') + QFileInfo(source).fileName();
     QFile::remove(target);
     if (!QFile::copy(source, target))
         return QString();
