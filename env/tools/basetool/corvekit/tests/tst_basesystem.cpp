@@ -132,6 +132,7 @@ private slots:
     void layout();
     void environmentWrites_data();
     void environmentWrites();
+    void failedRootWriteIsLogged();
     void processValues();
 };
 
@@ -324,6 +325,36 @@ void TestBaseSystem::environmentWrites()
     QCOMPARE(QString::fromLatin1(child.standardOutput.left(child.standardOutput.indexOf('\n')))
                  .section(QLatin1String(": "), 1),
              trace);
+}
+
+void TestBaseSystem::failedRootWriteIsLogged()
+{
+    QTemporaryDir home;
+    QTemporaryDir applicationRoot;
+    QProcessEnvironment environment = cleanEnvironment(home.path());
+    environment.insert(QStringLiteral("LD_PRELOAD"), QStringLiteral(CORVEKIT_FAILING_SETENV));
+    environment.insert(QStringLiteral("ASAN_OPTIONS"), QStringLiteral("verify_asan_link_order=0"));
+    environment.insert(QStringLiteral("CORVEKIT_FAIL_SETENV"), QStringLiteral("TOOLRTF"));
+    environment.insert(QStringLiteral("TIVORANDEBUG"), QStringLiteral(" "));
+    environment.insert(QStringLiteral("QT_MESSAGE_PATTERN"),
+                       QStringLiteral("%{type}|%{file}|%{function}|%{message}"));
+    const QString program = placeApplication(applicationRoot.filePath(QStringLiteral("bin/nt64")));
+
+    const ChildResult child = runScenario(QStringLiteral("initialize"), environment, program);
+    QCOMPARE(child.exitCode, 0);
+    QCOMPARE(child.value(QStringLiteral("TOOLRTF")), QStringLiteral("<unset>"));
+    QCOMPARE(child.value(QStringLiteral("ZEKPROG_PATH")), QStringLiteral("<unset>"));
+    // The failed write was traced all the same, and FOUNDRY still follows the application.
+    const QString root = applicationRoot.path();
+    QCOMPARE(traces(child), QStringList({QStringLiteral("setenv TOOLRTF=") + root,
+                                         QStringLiteral("setenv FOUNDRY=") + root + "/zekfpga"}));
+    const QStringList fields = child.errorLines().value(0).split(QLatin1Char('|'));
+    QCOMPARE(fields.size(), 4);
+    QCOMPARE(fields.at(0), QStringLiteral("debug"));
+    QVERIFY2(fields.at(1).endsWith(QLatin1String("basesystem.cpp")), qPrintable(fields.at(1)));
+    QVERIFY2(fields.at(2).contains(QLatin1String("BaseSystem::initializeSystem")),
+             qPrintable(fields.at(2)));
+    QCOMPARE(fields.at(3), QStringLiteral("do not set ZEKPROG path as environment variable."));
 }
 
 void TestBaseSystem::processValues()
