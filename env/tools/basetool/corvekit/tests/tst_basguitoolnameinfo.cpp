@@ -44,7 +44,7 @@ QJsonObject operations()
 
 void addAll(const QJsonArray &adds)
 {
-    for (const QJsonValue &pair : adds)
+    for (const QJsonValue pair : adds)
         BasGUIToolNameInfo::addTool(textOf(pair[0]), textOf(pair[1]));
 }
 
@@ -54,12 +54,22 @@ QString compact(const QJsonArray &array)
 }
 
 // Every record that reaches the message handler while a scenario runs.
-QJsonArray records;
-QJsonArray pendingAdds; // entered by the handler at its first record
+QJsonArray &records()
+{
+    static QJsonArray all;
+    return all;
+}
+
+// Entered by the handler at its first record.
+QJsonArray &pendingAdds()
+{
+    static QJsonArray adds;
+    return adds;
+}
 
 void recordMessage(QtMsgType type, const QMessageLogContext &context, const QString &message)
 {
-    records.append(QJsonObject{
+    records().append(QJsonObject{
         {QStringLiteral("type"), int(type)},
         {QStringLiteral("category"), QString::fromLatin1(context.category)},
         {QStringLiteral("file"), QString::fromUtf8(context.file)},
@@ -67,9 +77,9 @@ void recordMessage(QtMsgType type, const QMessageLogContext &context, const QStr
         {QStringLiteral("function"), QString::fromUtf8(context.function)},
         {QStringLiteral("message"), message},
     });
-    if (!pendingAdds.isEmpty()) {
-        const QJsonArray adds = pendingAdds;
-        pendingAdds = QJsonArray();
+    if (!pendingAdds().isEmpty()) {
+        const QJsonArray adds = pendingAdds();
+        pendingAdds() = QJsonArray();
         addAll(adds);
     }
 }
@@ -80,13 +90,13 @@ int scenarioQueries()
     addAll(ops.value(QStringLiteral("add")).toArray());
     qInstallMessageHandler(recordMessage);
     QJsonArray answers;
-    for (const QJsonValue &id : ops.value(QStringLiteral("displayNameOf")).toArray())
+    for (const QJsonValue id : ops.value(QStringLiteral("displayNameOf")).toArray())
         answers.append(jsonOf(BasGUIToolNameInfo::getToolDisplayName(textOf(id))));
-    for (const QJsonValue &name : ops.value(QStringLiteral("idOf")).toArray())
+    for (const QJsonValue name : ops.value(QStringLiteral("idOf")).toArray())
         answers.append(jsonOf(BasGUIToolNameInfo::getToolID(textOf(name))));
     qInstallMessageHandler(nullptr);
     report(QStringLiteral("answers"), compact(answers));
-    report(QStringLiteral("logged"), QString::number(records.size()));
+    report(QStringLiteral("logged"), QString::number(records().size()));
     return 0;
 }
 
@@ -94,11 +104,11 @@ int scenarioDump()
 {
     const QJsonObject ops = operations();
     addAll(ops.value(QStringLiteral("add")).toArray());
-    pendingAdds = ops.value(QStringLiteral("addDuringDump")).toArray();
+    pendingAdds() = ops.value(QStringLiteral("addDuringDump")).toArray();
     qInstallMessageHandler(recordMessage);
     BasGUIToolNameInfo::dumpInfo();
     qInstallMessageHandler(nullptr);
-    report(QStringLiteral("records"), compact(records));
+    report(QStringLiteral("records"), compact(records()));
     return 0;
 }
 
@@ -236,7 +246,7 @@ void TestBasGUIToolNameInfo::dumpInfo()
         QJsonDocument::fromJson(child.value(QStringLiteral("records")).toUtf8()).array();
 
     QStringList seen;
-    for (const QJsonValue &record : records) {
+    for (const QJsonValue record : records) {
         seen << record[QStringLiteral("message")].toString();
         // A debug record of the default category that carries where it was written.
         QCOMPARE(record[QStringLiteral("type")].toInt(), int(QtDebugMsg));
@@ -261,7 +271,7 @@ void TestBasGUIToolNameInfo::dumpInfoSeesTheTableAsItWas()
              {QStringLiteral("addDuringDump"), pairs({{"b", "B"}, {"z", "Z"}, {"c", "changed"}})}});
     QVERIFY2(!child.crashed && child.exitCode == 0, child.standardError.constData());
     QStringList seen;
-    for (const QJsonValue &record :
+    for (const QJsonValue record :
          QJsonDocument::fromJson(child.value(QStringLiteral("records")).toUtf8()).array())
         seen << record[QStringLiteral("message")].toString();
     QCOMPARE(seen, (QStringList{"a = A", "c = C"}));

@@ -97,7 +97,7 @@ void TestToolLabel::listAsJson()
     const QJsonDocument document = QJsonDocument::fromJson(json.standardOutput, &error);
     QCOMPARE(error.error, QJsonParseError::NoError);
     QStringList lines;
-    for (const QJsonValue &label : document.object().value(QStringLiteral("labels")).toArray()) {
+    for (const QJsonValue label : document.object().value(QStringLiteral("labels")).toArray()) {
         lines << label[QStringLiteral("key")].toString() + QLatin1Char('\t') +
                      label[QStringLiteral("text")].toString();
     }

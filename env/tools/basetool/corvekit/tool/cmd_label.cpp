@@ -47,7 +47,7 @@ int runLabel(const QStringList &arguments)
 
     if (positional.isEmpty())
         return fail(ExitUsage, QStringLiteral("label: missing KEY; see 'corvekit label --help'"));
-    const QString key = positional.first();
+    const QString &key = positional.first();
     const QString text = commonLabelMapping(key.toUtf8().constData());
     if (text.isNull())
         return fail(ExitNotFound, QStringLiteral("'%1' is no label key").arg(key));

@@ -24,7 +24,8 @@ BasePrjSettings::~BasePrjSettings() = default;
 BasePrjSettings &BasePrjSettings::operator=(const BasePrjSettings &other)
 {
     // Shared, not copied: the last wrapper holding a file deletes its QSettings.
-    m_setting = other.m_setting;
+    if (this != &other)
+        m_setting = other.m_setting;
     return *this;
 }
 

@@ -14,7 +14,8 @@ BaseUsrSettings::~BaseUsrSettings() = default;
 BaseUsrSettings &BaseUsrSettings::operator=(const BaseUsrSettings &other)
 {
     // Shared, not copied: the last wrapper holding a file deletes its QSettings.
-    m_setting = other.m_setting;
+    if (this != &other)
+        m_setting = other.m_setting;
     return *this;
 }
 

@@ -15,16 +15,20 @@ BasGUIToolNameInfo &BasGUIToolNameInfo::operator=(BasGUIToolNameInfo &&) noexcep
     return *this;
 }
 
+// The texts come by value on the exported interface.
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 void BasGUIToolNameInfo::addTool(QString toolId, QString displayName)
 {
     m_id2DisplayNameMap[toolId] = std::move(displayName);
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 QString BasGUIToolNameInfo::getToolDisplayName(QString toolId)
 {
     return m_id2DisplayNameMap.value(toolId, QString());
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 QString BasGUIToolNameInfo::getToolID(QString displayName)
 {
     // No reverse map: the walk in key order makes the smallest id win a shared display name.

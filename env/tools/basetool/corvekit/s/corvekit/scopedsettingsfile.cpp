@@ -4,7 +4,7 @@ std::shared_ptr<ScopedSettingsFile> ScopedSettingsFile::adopt(QSettings *setting
 {
     std::unique_ptr<QSettings> owner(settings);
     auto file = std::make_shared<ScopedSettingsFile>(settings);
-    owner.release();
+    static_cast<void>(owner.release()); // the holder owns it now
     return file;
 }
 
