@@ -27,10 +27,15 @@ class ScopedSettingsFile;
  * Ownership. The wrapper owns its QSettings, and assignment shares it: after `a = b` both reach
  * b's file, and the object is deleted once, by whichever of them goes last. a's former object
  * is deleted (and so written out) at the assignment unless another wrapper still holds it.
+ * Shared ownership, as BaseSettings has for its levels, keeps both wrappers on one file, which
+ * assignment promises, without an owner that could outlive the other's use; a deep copy would
+ * give two QSettings whose caches disagree until a sync.
+ *
  * With a non-null \a parent the QSettings has a second owner. The parent is expected to outlive
- * the wrapper; if it goes first it deletes the object, the wrapper notices and does not delete
- * it again, and from then on reads give their defaults, writes are dropped, getSetting() is null
- * and status() is QSettings::AccessError.
+ * the wrapper; this is not enforced, but a parent that goes first cannot cause a second delete:
+ * the holder watches the object through a QPointer. From then on the wrapper acts on nothing:
+ * reads give their defaults, writes are dropped, getSetting() is null and status() is
+ * QSettings::AccessError, so a caller that checks status after sync() learns of the loss.
  */
 class CORVEKIT_EXPORT BasePrjSettings
 {
