@@ -26,9 +26,9 @@ class ScopedSettingsFile;
  * Ownership. The wrapper owns its QSettings, and assignment shares it: after `a = b` both reach
  * b's file, and the object is deleted once, by whichever of them goes last. a's former object
  * is deleted (and so written out) at the assignment unless another wrapper still holds it.
- * Shared ownership, as BaseSettings has for its levels, keeps both wrappers on one file, which
- * assignment promises, without an owner that could outlive the other's use; a deep copy would
- * give two QSettings whose caches disagree until a sync.
+ * Shared ownership, as BaseSettings has for its levels, lets the wrappers die in any order with
+ * neither a dangling nor a doubly deleted pointer; a deep copy instead would put two QSettings
+ * on one file, whose caches disagree until a sync.
  *
  * With a non-null \a parent the QSettings has a second owner. The parent is expected to outlive
  * the wrapper; this is not enforced, but a parent that goes first cannot cause a second delete:
