@@ -28,3 +28,10 @@ run env --project "$demo/project/"
 run settings get DEFAULT_DEVICE_FAMILY --project "$demo/project/"
 run settings get MESSAGE_LIMIT --project "$demo/project/"
 run settings get SIMULATOR_TYPE --project "$demo/project/" --json
+
+# Label keys and their display texts.
+run label SHOW_IN
+run label display_pref
+run label SHOW
+run label LOCATE_SITE --json
+run label --list

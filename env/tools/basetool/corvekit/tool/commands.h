@@ -17,5 +17,6 @@ const QList<Command> &commands();
 
 int runEnv(const QStringList &arguments);
 int runSettings(const QStringList &arguments);
+int runLabel(const QStringList &arguments);
 
 #endif

@@ -2,8 +2,12 @@
 #define CORVEKIT_CORVEKIT_H
 
 // Everything the library offers, in one include.
+#include "baseprjsettings.h"
 #include "basesettings.h"
 #include "basesystem.h"
+#include "baseusrsettings.h"
+#include "basguitoolnameinfo.h"
+#include "commonlabelmapping.h"
 #include "diagtrace.h"
 
 #endif
