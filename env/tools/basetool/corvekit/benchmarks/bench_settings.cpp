@@ -83,8 +83,8 @@ struct Machine
         qunsetenv("SOLVANE_GROUP_SETTING_FILE");
         for (int keys : {20, 2000}) {
             installations[keys] = std::make_unique<Installation>(base.path(), keys);
-            rawCopies[keys] = std::make_unique<Installation>(base.path() + QStringLiteral("/raw"),
-                                                             keys);
+            rawCopies[keys] =
+                std::make_unique<Installation>(base.path() + QStringLiteral("/raw"), keys);
         }
     }
 
@@ -202,8 +202,9 @@ Operation makeOperation(const std::string &name, int keys)
 }
 
 const char *const operationNames[] = {
-    "raw_fresh",     "raw_held",           "settings_lookup", "simulator_path", "simulator_path_held",
-    "synplify_path", "synplify_path_held", "file_filter",     "file_filter_held"};
+    "raw_fresh",           "raw_held",      "settings_lookup",    "simulator_path",
+    "simulator_path_held", "synplify_path", "synplify_path_held", "file_filter",
+    "file_filter_held"};
 
 void runBenchmark(benchmark::State &state, const std::string &name)
 {

@@ -15,7 +15,10 @@ public:
     QString root() const { return m_dir.path() + QStringLiteral("/root"); }
     QString home() const { return m_dir.path() + QStringLiteral("/home"); }
     QString project() const { return m_dir.path() + QStringLiteral("/project/"); }
-    QString path(const QString &relative) const { return m_dir.path() + QLatin1Char('/') + relative; }
+    QString path(const QString &relative) const
+    {
+        return m_dir.path() + QLatin1Char('/') + relative;
+    }
 
     QString systemFile() const { return root() + QStringLiteral("/data/.setting.ini"); }
     QString userFile() const

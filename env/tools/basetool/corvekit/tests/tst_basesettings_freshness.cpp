@@ -22,8 +22,8 @@ QByteArray systemFile(const QByteArray &value, int filler = 2000)
 {
     QByteArray text = "[General]\nKEY=" + value + "\n";
     for (int index = 0; index < filler; ++index)
-        text += "FILLER_" + QByteArray::number(index) + "=value " + QByteArray::number(index) +
-                "\n";
+        text +=
+            "FILLER_" + QByteArray::number(index) + "=value " + QByteArray::number(index) + "\n";
     return text;
 }
 

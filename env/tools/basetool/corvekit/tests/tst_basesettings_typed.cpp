@@ -40,9 +40,9 @@ QString list(const QList<QString> &values)
     return QStringLiteral("%1:[%2]").arg(values.size()).arg(values.join(QLatin1Char('|')));
 }
 
-const QStringList lookupKeys = {"MISSING",     "EVERYWHERE", "NUMBER",   "TEXT_NUMBER",
-                                "EMPTY",       "LIST",       "ZERO",     "FALSE_TEXT",
-                                "PROJECT_ONLY", "USER_ONLY", "HIDDEN_BY_EMPTY"};
+const QStringList lookupKeys = {"MISSING",      "EVERYWHERE", "NUMBER",         "TEXT_NUMBER",
+                                "EMPTY",        "LIST",       "ZERO",           "FALSE_TEXT",
+                                "PROJECT_ONLY", "USER_ONLY",  "HIDDEN_BY_EMPTY"};
 
 // Every typed lookup of every key, as "<lookup>.<key>=<found>,<value>".
 int reportLookups()
@@ -55,7 +55,8 @@ int reportLookups()
         report(QStringLiteral("bool.") + key, flag(found) + QLatin1Char(',') + flag(boolean));
         found = false;
         const int integer = settings.getIntegerSetting(found, key);
-        report(QStringLiteral("int.") + key, flag(found) + QLatin1Char(',') + QString::number(integer));
+        report(QStringLiteral("int.") + key,
+               flag(found) + QLatin1Char(',') + QString::number(integer));
         found = !found;
         const QList<QString> strings = settings.getStringListSetting(found, key);
         report(QStringLiteral("list.") + key, flag(found) + QLatin1Char(',') + list(strings));
@@ -73,8 +74,7 @@ int reportLookups()
         const QList<QString> defaultStrings = settings.getDefaultStringListSetting(found, key);
         report(QStringLiteral("defaultList.") + key,
                flag(found) + QLatin1Char(',') + list(defaultStrings));
-        report(QStringLiteral("defaultString.") + key,
-               text(settings.getDefaultStringSetting(key)));
+        report(QStringLiteral("defaultString.") + key, text(settings.getDefaultStringSetting(key)));
     }
     return 0;
 }
@@ -88,8 +88,8 @@ int writeLevels()
 
     settings.setOnProjectLevel(QStringLiteral("P_INT"), 5);
     const int projectInt = settings.getIntegerSetting(found, QStringLiteral("P_INT"));
-    report(QStringLiteral("P_INT.before_flush"), flag(found) + QLatin1Char(',') +
-                                                     QString::number(projectInt));
+    report(QStringLiteral("P_INT.before_flush"),
+           flag(found) + QLatin1Char(',') + QString::number(projectInt));
     settings.setOnProjectLevel(QStringLiteral("P_STRING"), QStringLiteral("top"));
     settings.setOnProjectLevel(QStringLiteral("P_LIST"), QList<QString>{"x", "y"});
     settings.setOnProjectLevel(QStringLiteral("P_VARIANT"), QVariant(2.5));
@@ -214,43 +214,105 @@ void TestBaseSettingsTyped::typedLookup_data()
     QTest::addColumn<QString>("defaultString");
 
     QTest::newRow("at no level") << "MISSING"
-                                 << "false,false" << "false,0" << "false,0:[]" << "(null)"
-                                 << "false,false" << "false,0" << "false,0:[]" << "(null)";
+                                 << "false,false"
+                                 << "false,0"
+                                 << "false,0:[]"
+                                 << "(null)"
+                                 << "false,false"
+                                 << "false,0"
+                                 << "false,0:[]"
+                                 << "(null)";
     QTest::newRow("at every level") << "EVERYWHERE"
-                                    << "true,true" << "true,0" << "true,1:[project]" << "project"
-                                    << "true,true" << "true,0" << "true,1:[system]" << "system";
+                                    << "true,true"
+                                    << "true,0"
+                                    << "true,1:[project]"
+                                    << "project"
+                                    << "true,true"
+                                    << "true,0"
+                                    << "true,1:[system]"
+                                    << "system";
     QTest::newRow("number") << "NUMBER"
-                            << "true,true" << "true,42" << "true,1:[42]" << "42"
-                            << "true,true" << "true,42" << "true,1:[42]" << "42";
+                            << "true,true"
+                            << "true,42"
+                            << "true,1:[42]"
+                            << "42"
+                            << "true,true"
+                            << "true,42"
+                            << "true,1:[42]"
+                            << "42";
     QTest::newRow("text that is no number") << "TEXT_NUMBER"
-                                            << "true,true" << "true,0" << "true,1:[forty]"
+                                            << "true,true"
+                                            << "true,0"
+                                            << "true,1:[forty]"
                                             << "forty"
-                                            << "true,true" << "true,0" << "true,1:[forty]"
+                                            << "true,true"
+                                            << "true,0"
+                                            << "true,1:[forty]"
                                             << "forty";
     QTest::newRow("empty value") << "EMPTY"
-                                 << "true,false" << "true,0" << "true,1:[]" << ""
-                                 << "true,false" << "true,0" << "true,1:[]" << "";
+                                 << "true,false"
+                                 << "true,0"
+                                 << "true,1:[]"
+                                 << ""
+                                 << "true,false"
+                                 << "true,0"
+                                 << "true,1:[]"
+                                 << "";
     // A list of several texts does not convert to one: the text lookups give null for it.
     QTest::newRow("list") << "LIST"
-                          << "true,false" << "true,0" << "true,3:[a|b|c]" << "(null)"
-                          << "true,false" << "true,0" << "true,3:[a|b|c]" << "(null)";
+                          << "true,false"
+                          << "true,0"
+                          << "true,3:[a|b|c]"
+                          << "(null)"
+                          << "true,false"
+                          << "true,0"
+                          << "true,3:[a|b|c]"
+                          << "(null)";
     QTest::newRow("zero") << "ZERO"
-                          << "true,false" << "true,0" << "true,1:[0]" << "0"
-                          << "true,false" << "true,0" << "true,1:[0]" << "0";
+                          << "true,false"
+                          << "true,0"
+                          << "true,1:[0]"
+                          << "0"
+                          << "true,false"
+                          << "true,0"
+                          << "true,1:[0]"
+                          << "0";
     QTest::newRow("false as text") << "FALSE_TEXT"
-                                   << "true,false" << "true,0" << "true,1:[false]" << "false"
-                                   << "true,false" << "true,0" << "true,1:[false]" << "false";
+                                   << "true,false"
+                                   << "true,0"
+                                   << "true,1:[false]"
+                                   << "false"
+                                   << "true,false"
+                                   << "true,0"
+                                   << "true,1:[false]"
+                                   << "false";
     QTest::newRow("project level only") << "PROJECT_ONLY"
-                                        << "true,true" << "true,0" << "true,1:[true]" << "true"
-                                        << "false,false" << "false,0" << "false,0:[]"
+                                        << "true,true"
+                                        << "true,0"
+                                        << "true,1:[true]"
+                                        << "true"
+                                        << "false,false"
+                                        << "false,0"
+                                        << "false,0:[]"
                                         << "(null)";
     QTest::newRow("user level only") << "USER_ONLY"
-                                     << "true,true" << "true,7" << "true,1:[7]" << "7"
-                                     << "false,false" << "false,0" << "false,0:[]" << "(null)";
-    QTest::newRow("empty project value hides the system's")
-        << "HIDDEN_BY_EMPTY"
-        << "true,false" << "true,0" << "true,1:[]" << ""
-        << "true,true" << "true,0" << "true,1:[filled]" << "filled";
+                                     << "true,true"
+                                     << "true,7"
+                                     << "true,1:[7]"
+                                     << "7"
+                                     << "false,false"
+                                     << "false,0"
+                                     << "false,0:[]"
+                                     << "(null)";
+    QTest::newRow("empty project value hides the system's") << "HIDDEN_BY_EMPTY"
+                                                            << "true,false"
+                                                            << "true,0"
+                                                            << "true,1:[]"
+                                                            << ""
+                                                            << "true,true"
+                                                            << "true,0"
+                                                            << "true,1:[filled]"
+                                                            << "filled";
 }
 
 void TestBaseSettingsTyped::typedLookup()
@@ -287,7 +349,8 @@ void TestBaseSettingsTyped::writersAndRemovers()
     const ChildResult writer = runScenario(QStringLiteral("write"), installation.environment());
     QCOMPARE(writer.exitCode, 0);
     QCOMPARE(writer.value(QStringLiteral("P_INT.before_flush")), QStringLiteral("true,5"));
-    QCOMPARE(writer.value(QStringLiteral("EVERYWHERE.after_user_write")), QStringLiteral("project"));
+    QCOMPARE(writer.value(QStringLiteral("EVERYWHERE.after_user_write")),
+             QStringLiteral("project"));
     QCOMPARE(writer.value(QStringLiteral("EVERYWHERE.after_project_unset")),
              QStringLiteral("user2"));
     QCOMPARE(writer.value(QStringLiteral("EVERYWHERE.after_user_unset")), QStringLiteral("system"));

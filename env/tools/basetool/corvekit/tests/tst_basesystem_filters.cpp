@@ -55,31 +55,30 @@ void TestBaseSystemFilters::filter_data()
     QTest::addColumn<QString>("extensions");
     QTest::addColumn<QString>("filter");
 
-    QTest::newRow("list, no description") << QByteArray() << QByteArray("vhdl") << QByteArray()
-                                          << "2:vhd|vhdl"
-                                          << "vhdl Files (*.vhd *.vhdl)";
-    QTest::newRow("one extension") << QByteArray() << QByteArray("verilog")
-                                   << QByteArray("Verilog sources") << "1:v"
-                                   << "Verilog sources (*.v)";
-    QTest::newRow("unknown type") << QByteArray() << QByteArray("bitstream") << QByteArray()
-                                  << "0:"
+    QTest::newRow("list, no description")
+        << QByteArray() << QByteArray("vhdl") << QByteArray() << "2:vhd|vhdl"
+        << "vhdl Files (*.vhd *.vhdl)";
+    QTest::newRow("one extension")
+        << QByteArray() << QByteArray("verilog") << QByteArray("Verilog sources") << "1:v"
+        << "Verilog sources (*.v)";
+    QTest::newRow("unknown type") << QByteArray() << QByteArray("bitstream") << QByteArray() << "0:"
                                   << "bitstream Files ()";
-    QTest::newRow("empty description") << QByteArray() << QByteArray("vhdl") << QByteArray("")
-                                       << "2:vhd|vhdl"
-                                       << "(*.vhd *.vhdl)";
+    QTest::newRow("empty description")
+        << QByteArray() << QByteArray("vhdl") << QByteArray("") << "2:vhd|vhdl"
+        << "(*.vhd *.vhdl)";
     QTest::newRow("blanks around the description")
         << QByteArray() << QByteArray("verilog") << QByteArray("  Verilog  ") << "1:v"
         << "Verilog   (*.v)";
-    QTest::newRow("pattern in the setting") << QByteArray() << QByteArray("constraints")
-                                            << QByteArray() << "2:*.sdc|xdc"
-                                            << "constraints Files (*.*.sdc *.xdc)";
+    QTest::newRow("pattern in the setting")
+        << QByteArray() << QByteArray("constraints") << QByteArray() << "2:*.sdc|xdc"
+        << "constraints Files (*.*.sdc *.xdc)";
     QTest::newRow("project list hides the system's")
         << QByteArray("[File_Extension]\nnetlist=vqm\n") << QByteArray("netlist") << QByteArray()
         << "1:vqm"
         << "netlist Files (*.vqm)";
-    QTest::newRow("empty project value") << QByteArray("[File_Extension]\nvhdl=\n")
-                                         << QByteArray("vhdl") << QByteArray() << "1:"
-                                         << "vhdl Files (*.)";
+    QTest::newRow("empty project value")
+        << QByteArray("[File_Extension]\nvhdl=\n") << QByteArray("vhdl") << QByteArray() << "1:"
+        << "vhdl Files (*.)";
 }
 
 void TestBaseSystemFilters::filter()

@@ -42,8 +42,8 @@ ScenarioTable scenarios()
     return {{QStringLiteral("tools"), reportTools}};
 }
 
-const QStringList allFolders = {"synpbase",         "tptools/synplify/windows", "precision",
-                                "active-hdl",       "modeltech/win32loem",      "questasim/win64"};
+const QStringList allFolders = {"synpbase",   "tptools/synplify/windows", "precision",
+                                "active-hdl", "modeltech/win32loem",      "questasim/win64"};
 
 ChildResult runTools(const SampleInstallation &installation, bool withRoot = true)
 {
@@ -85,8 +85,8 @@ void TestBaseSystemTools::locators_data()
 
     QTest::newRow("nothing set, no folders")
         << QByteArray() << QByteArray() << QByteArray() << QStringList()
-        << QStringList{"synplify=/",  "synplify.default=/",  "precision=/", "activehdl=/",
-                       "modelsim=/",  "questasim=/",         "esdk=/",      "esdk.default=/",
+        << QStringList{"synplify=/",  "synplify.default=/", "precision=/", "activehdl=/",
+                       "modelsim=/",  "questasim=/",        "esdk=/",      "esdk.default=/",
                        "simulator=/", "simulator.default=/"};
     QTest::newRow("every folder present")
         << QByteArray() << QByteArray() << QByteArray() << allFolders
@@ -127,8 +127,8 @@ void TestBaseSystemTools::locators_data()
     QTest::newRow("empty project value hides the system's")
         << QByteArray("[General]\nQUESTASIM_PATH=/sys/questa\nESDK_PATH=/sys/esdk\n")
         << QByteArray() << QByteArray("[General]\nQUESTASIM_PATH=\nESDK_PATH=\n") << allFolders
-        << QStringList{"questasim=$ROOT/questasim/win64", "questasim.default=/sys/questa",
-                       "esdk=/", "esdk.default=/sys/esdk"};
+        << QStringList{"questasim=$ROOT/questasim/win64", "questasim.default=/sys/questa", "esdk=/",
+                       "esdk.default=/sys/esdk"};
     QTest::newRow("value wins over a folder, even one that exists not")
         << QByteArray("[General]\nPRECISION_PATH=/nowhere/precision\n") << QByteArray()
         << QByteArray() << allFolders
@@ -174,8 +174,8 @@ void TestBaseSystemTools::missingInstallRoot()
     const ChildResult child = runTools(installation, false);
     QCOMPARE(child.exitCode, 0);
     QCOMPARE(child.value(QStringLiteral("synplify")), QStringLiteral("/usr/synp"));
-    for (const char *name : {"synplify.default", "precision", "activehdl", "modelsim",
-                             "questasim", "esdk", "esdk.default", "simulator"})
+    for (const char *name : {"synplify.default", "precision", "activehdl", "modelsim", "questasim",
+                             "esdk", "esdk.default", "simulator"})
         QCOMPARE(child.value(QLatin1String(name)), QStringLiteral("/"));
     // Fourteen lookups: the configured one and the two of the ESDK say nothing.
     const QStringList lines = child.errorLines();
@@ -192,8 +192,8 @@ void TestBaseSystemTools::simulatorType_data()
 
     QTest::newRow("ModelSim") << QByteArray("SIMULATOR_TYPE=ModelSim") << QByteArray() << 2;
     QTest::newRow("QuestaSim") << QByteArray("SIMULATOR_TYPE=QuestaSim") << QByteArray() << 2;
-    QTest::newRow("QuestaSimQrun") << QByteArray("SIMULATOR_TYPE=QuestaSimQrun") << QByteArray()
-                                   << 4;
+    QTest::newRow("QuestaSimQrun")
+        << QByteArray("SIMULATOR_TYPE=QuestaSimQrun") << QByteArray() << 4;
     QTest::newRow("other case") << QByteArray("SIMULATOR_TYPE=questasim") << QByteArray() << 4;
     QTest::newRow("unknown") << QByteArray("SIMULATOR_TYPE=Verilator") << QByteArray() << 4;
     QTest::newRow("empty") << QByteArray("SIMULATOR_TYPE=") << QByteArray() << 4;
@@ -243,8 +243,9 @@ void TestBaseSystemTools::synplifySwitches_data()
                                 << QByteArray() << QByteArray()
                                 << QStringList{"false", "false", "false", "false"};
     QTest::newRow("user and project over system")
-        << QByteArray("SYNPLIFY_USEOEM=false\nSYNPLIFY_USEPRO=true") << QByteArray("SYNPLIFY_USEOEM=1")
-        << QByteArray("SYNPLIFY_USEPRO=0") << QStringList{"true", "false", "false", "true"};
+        << QByteArray("SYNPLIFY_USEOEM=false\nSYNPLIFY_USEPRO=true")
+        << QByteArray("SYNPLIFY_USEOEM=1") << QByteArray("SYNPLIFY_USEPRO=0")
+        << QStringList{"true", "false", "false", "true"};
     QTest::newRow("only a user value")
         << QByteArray() << QByteArray("SYNPLIFY_USEOEM=false\nSYNPLIFY_USEPRO=False")
         << QByteArray() << QStringList{"false", "true", "false", "true"};

@@ -47,8 +47,8 @@ int reportGermanMonths()
     const QLocale locale;
     report(QStringLiteral("short10"), locale.monthName(10, QLocale::ShortFormat));
     report(QStringLiteral("short10Upper"),
-           QString::number(BaseSystemStampAccess::month(
-               locale.monthName(10, QLocale::ShortFormat).toUpper())));
+           QString::number(
+               BaseSystemStampAccess::month(locale.monthName(10, QLocale::ShortFormat).toUpper())));
     report(QStringLiteral("long10"), QString::number(BaseSystemStampAccess::month(
                                          locale.monthName(10, QLocale::LongFormat))));
     report(QStringLiteral("english"),
@@ -109,26 +109,25 @@ void TestBaseSystemVersion::productVersion_data()
                                    << QStringList{"4", "4.3", "4.3", "77", "4.3.77"};
     // The test of the group ignores case, but the keys are read below the caller's spelling,
     // which this platform's INI files tell apart from the file's: nothing is found there.
-    QTest::newRow("group in another case") << sampleVersionFile << QStringLiteral("SOLVANE")
-                                           << QStringList{"", ".", ".", "", ".."};
-    QTest::newRow("group the file lacks") << sampleVersionFile << QStringLiteral("Zephyr")
-                                          << QStringList{"2026", "2026.2", "2026.2.1", "118",
-                                                         "2026.2.1.118"};
+    QTest::newRow("group in another case")
+        << sampleVersionFile << QStringLiteral("SOLVANE") << QStringList{"", ".", ".", "", ".."};
+    QTest::newRow("group the file lacks")
+        << sampleVersionFile << QStringLiteral("Zephyr")
+        << QStringList{"2026", "2026.2", "2026.2.1", "118", "2026.2.1.118"};
     QTest::newRow("minor 14.0")
-        << QByteArray("[version]\nMajorVersion=9\nMinorVersion=14.0\nBuildNumber=3\n")
-        << QString() << QStringList{"9", "9.14", "9.14.0", "3", "9.14.0.3"};
+        << QByteArray("[version]\nMajorVersion=9\nMinorVersion=14.0\nBuildNumber=3\n") << QString()
+        << QStringList{"9", "9.14", "9.14.0", "3", "9.14.0.3"};
     QTest::newRow("minor with leading dot")
-        << QByteArray("[version]\nMajorVersion=9\nMinorVersion=.5\nBuildNumber=3\n")
-        << QString() << QStringList{"9", "9.", "9..5", "3", "9..5.3"};
+        << QByteArray("[version]\nMajorVersion=9\nMinorVersion=.5\nBuildNumber=3\n") << QString()
+        << QStringList{"9", "9.", "9..5", "3", "9..5.3"};
     QTest::newRow("keys missing") << QByteArray("[other]\nMajorVersion=1\n") << QString()
                                   << QStringList{"", ".", ".", "", ".."};
-    QTest::newRow("build missing")
-        << QByteArray("[version]\nMajorVersion=5\nMinorVersion=1\n") << QString()
-        << QStringList{"5", "5.1", "5.1", "", "5.1."};
+    QTest::newRow("build missing") << QByteArray("[version]\nMajorVersion=5\nMinorVersion=1\n")
+                                   << QString() << QStringList{"5", "5.1", "5.1", "", "5.1."};
     // Only the patch number is joined again: a list does not convert to a text.
     QTest::newRow("major with a comma")
-        << QByteArray("[version]\nMajorVersion=1,2\nMinorVersion=0\nBuildNumber=8\n")
-        << QString() << QStringList{"", ".0", ".0", "8", ".0.8"};
+        << QByteArray("[version]\nMajorVersion=1,2\nMinorVersion=0\nBuildNumber=8\n") << QString()
+        << QStringList{"", ".0", ".0", "8", ".0.8"};
     QTest::newRow("empty file") << QByteArray() << QStringLiteral("Solvane")
                                 << QStringList{"", ".", ".", "", ".."};
 }
@@ -166,9 +165,11 @@ void TestBaseSystemVersion::patchAndSuffix_data()
     QTest::newRow("sample") << sampleVersionFile << "4.3.77"
                             << "SP1"
                             << "Beta";
-    QTest::newRow("patch list")
-        << QByteArray("[version]\nPatchNumber=SP1, HF2,HF3\nProductSuffix=a,b\n") << ".."
-        << "SP1,HF2,HF3" << "";
+    QTest::newRow("patch list") << QByteArray(
+                                       "[version]\nPatchNumber=SP1, HF2,HF3\nProductSuffix=a,b\n")
+                                << ".."
+                                << "SP1,HF2,HF3"
+                                << "";
     QTest::newRow("only in the product group")
         << QByteArray("[Solvane]\nversion\\PatchNumber=SP2\nversion\\ProductSuffix=RC\n") << ".."
         << ""
@@ -227,8 +228,8 @@ void TestBaseSystemVersion::parseDate_data()
     QTest::newRow("compiler form") << QByteArray("Apr 11 2025") << ' ' << april11;
     QTest::newRow("day first") << QByteArray("11 Apr 2025") << ' ' << april11;
     QTest::newRow("padded day") << QByteArray("Apr  1 2025") << ' ' << QDate(2025, 4, 1);
-    QTest::newRow("leading and trailing blanks") << QByteArray(" Dec 31 1999 ") << ' '
-                                                 << QDate(1999, 12, 31);
+    QTest::newRow("leading and trailing blanks")
+        << QByteArray(" Dec 31 1999 ") << ' ' << QDate(1999, 12, 31);
     QTest::newRow("upper case") << QByteArray("APR 11 2025") << ' ' << april11;
     QTest::newRow("other separator") << QByteArray("Apr-11-2025") << '-' << april11;
     QTest::newRow("two parts") << QByteArray("Apr 11") << ' ' << QDate();
@@ -259,8 +260,8 @@ void TestBaseSystemVersion::parseTime_data()
     QTest::newRow("compiler form") << QByteArray("01:22:07") << ':' << QTime(1, 22, 7);
     QTest::newRow("end of day") << QByteArray("23:59:59") << ':' << QTime(23, 59, 59);
     QTest::newRow("empty minute is 0") << QByteArray("1::7") << ':' << QTime(1, 0, 7);
-    QTest::newRow("blanks before hour and minute") << QByteArray(" 1: 2:07") << ':'
-                                                   << QTime(1, 2, 7);
+    QTest::newRow("blanks before hour and minute")
+        << QByteArray(" 1: 2:07") << ':' << QTime(1, 2, 7);
     QTest::newRow("other separator") << QByteArray("01.22.07") << '.' << QTime(1, 22, 7);
     QTest::newRow("two parts") << QByteArray("01:22") << ':' << QTime();
     QTest::newRow("four parts") << QByteArray("01:22:07:00") << ':' << QTime();

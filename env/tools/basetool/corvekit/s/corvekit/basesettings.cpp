@@ -66,9 +66,9 @@ QSettings *openUserFile(const QString &organization)
  */
 struct SystemFileKeeper
 {
-    QByteArray root;   // TOOLRTF as last composed, absolute; empty if not reusable
-    QString rootFile;  // the system file composed from it
-    QString keptFile;  // the file that kept is open on
+    QByteArray root;  // TOOLRTF as last composed, absolute; empty if not reusable
+    QString rootFile; // the system file composed from it
+    QString keptFile; // the file that kept is open on
     std::unique_ptr<QSettings> kept;
 };
 

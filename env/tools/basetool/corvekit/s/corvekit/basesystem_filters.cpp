@@ -8,8 +8,8 @@
 QList<QString> BaseSystem::getFileExtensions(const char *fileType)
 {
     BaseSettings settings{QString()};
-    const QVariant value = settings.getSetting(
-        QStringLiteral("File_Extension/%1").arg(QString(fileType)), QVariant());
+    const QVariant value =
+        settings.getSetting(QStringLiteral("File_Extension/%1").arg(QString(fileType)), QVariant());
     if (value.isNull())
         return {};
     // One extension reads as a text, several as a list.
@@ -18,8 +18,8 @@ QList<QString> BaseSystem::getFileExtensions(const char *fileType)
 
 QString BaseSystem::getFileFilter(const char *fileType, const char *description)
 {
-    QString filter = description ? QString(description)
-                                 : QStringLiteral("%1 Files").arg(QString(fileType));
+    QString filter =
+        description ? QString(description) : QStringLiteral("%1 Files").arg(QString(fileType));
     filter += QLatin1String(" (");
     const QList<QString> extensions = getFileExtensions(fileType);
     for (const QString &extension : extensions)

@@ -20,8 +20,8 @@ QDir locate(const char *key, bool useDefault, std::initializer_list<const char *
     {
         BaseSettings settings{QString()};
         const QString name = QString::fromLatin1(key);
-        configured = useDefault ? settings.getDefaultStringSetting(name)
-                                : settings.getStringSetting(name);
+        configured =
+            useDefault ? settings.getDefaultStringSetting(name) : settings.getStringSetting(name);
     }
     // A configured folder is taken as it stands, even if it does not exist.
     if (!configured.isEmpty())
@@ -31,7 +31,9 @@ QDir locate(const char *key, bool useDefault, std::initializer_list<const char *
 
     const char *root = std::getenv("TOOLRTF");
     if (!root) {
-        qDebug() << "Error : set ." << "TOOLRTF" << "first.";
+        qDebug() << "Error : set ."
+                 << "TOOLRTF"
+                 << "first.";
         return QDir::root();
     }
     const QString rootPath(root);
