@@ -111,7 +111,7 @@ int runTools(const QStringList &arguments)
         printJson(root);
         return ExitSuccess;
     }
-    for (const QJsonValue &value : std::as_const(toolArray)) {
+    for (const auto &value : std::as_const(toolArray)) {
         const QJsonObject entry = value.toObject();
         const QString how = entry.value(QStringLiteral("source")).toString();
         const QString level = entry.value(QStringLiteral("level")).toString();

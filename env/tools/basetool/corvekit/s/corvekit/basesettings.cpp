@@ -36,12 +36,37 @@ struct BaseSettings::Levels
 
 namespace {
 
-const QString siblingApplication = QStringLiteral("Fenwright Studio");
-const QString individualOrganization = QStringLiteral("Meravex/OstraneNG");
-const QString siblingOrganization = QStringLiteral("Meravex/FenwrightStudio");
-// m_setting_file, and m_setting_file with ".ini", made once.
-const QString settingName = QStringLiteral(".setting");
-const QString settingFileName = QStringLiteral(".setting.ini");
+// Names made once rather than at every construction.
+const QString &siblingApplication()
+{
+    static const QString name = QStringLiteral("Fenwright Studio");
+    return name;
+}
+
+const QString &individualOrganization()
+{
+    static const QString name = QStringLiteral("Meravex/OstraneNG");
+    return name;
+}
+
+const QString &siblingOrganization()
+{
+    static const QString name = QStringLiteral("Meravex/FenwrightStudio");
+    return name;
+}
+
+// m_setting_file, and m_setting_file with ".ini".
+const QString &settingName()
+{
+    static const QString name = QStringLiteral(".setting");
+    return name;
+}
+
+const QString &settingFileName()
+{
+    static const QString name = QStringLiteral(".setting.ini");
+    return name;
+}
 
 QSettings *openFile(const QString &fileName)
 {
@@ -52,7 +77,7 @@ QSettings *openFile(const QString &fileName)
 
 QSettings *openUserFile(const QString &organization)
 {
-    return new QSettings(QSettings::IniFormat, QSettings::UserScope, organization, settingName);
+    return new QSettings(QSettings::IniFormat, QSettings::UserScope, organization, settingName());
 }
 
 /*
@@ -77,7 +102,7 @@ thread_local SystemFileKeeper systemFileKeeper;
 QString composeSystemFile()
 {
     const QDir dataDir(BaseSystem::getInstallPath().path() + QLatin1String("/data"));
-    return dataDir.absoluteFilePath(settingFileName);
+    return dataDir.absoluteFilePath(settingFileName());
 }
 
 // The system file below the install root. With an absolute TOOLRTF the path depends on its text
@@ -124,15 +149,15 @@ BaseSettings::BaseSettings(QString projectPath)
     keepOpen(systemFile);
 
     QSettings *user = nullptr;
-    if (QCoreApplication::applicationName() == siblingApplication) {
-        user = openUserFile(siblingOrganization);
+    if (QCoreApplication::applicationName() == siblingApplication()) {
+        user = openUserFile(siblingOrganization());
     } else {
         const char *groupVariable = std::getenv("SOLVANE_GROUP_SETTING_FILE");
         const QString groupFile = groupVariable ? QString(groupVariable) : QString();
         if (groupFile.isEmpty()) {
-            user = openUserFile(individualOrganization);
+            user = openUserFile(individualOrganization());
         } else if (QFileInfo groupInfo(groupFile); groupInfo.exists() && !groupInfo.isReadable()) {
-            user = openUserFile(individualOrganization);
+            user = openUserFile(individualOrganization());
             warn(QStringLiteral("The group setting file '%1' is not readable and use individual "
                                 "setting file instead.")
                      .arg(groupFile));
@@ -148,7 +173,7 @@ BaseSettings::BaseSettings(QString projectPath)
 
     if (projectPath.isEmpty())
         projectPath = m_prjPath.isEmpty() ? QStringLiteral("./") : m_prjPath;
-    m_levels->project = openFile(projectPath + settingFileName);
+    m_levels->project = openFile(projectPath + settingFileName());
 
     m_system_setting = m_levels->system;
     m_user_setting = m_levels->user;
@@ -161,6 +186,8 @@ BaseSettings::~BaseSettings() = default;
 
 BaseSettings &BaseSettings::operator=(const BaseSettings &other)
 {
+    if (this == &other)
+        return *this;
     m_system_setting = other.m_system_setting;
     m_user_setting = other.m_user_setting;
     m_project_setting = other.m_project_setting;

@@ -56,10 +56,10 @@ QString BaseSystem::getProductVersion(const QString &group, VersionPatten patter
     if (!group.isEmpty() && versionFile.childGroups().contains(group, Qt::CaseInsensitive))
         versionFile.beginGroup(group);
 
-    const QString major = versionFile.value(QStringLiteral("version/MajorVersion")).toString();
+    QString major = versionFile.value(QStringLiteral("version/MajorVersion")).toString();
     const QString minor = versionFile.value(QStringLiteral("version/MinorVersion")).toString();
     const QString minorPart = minor.split(QLatin1Char('.'), Qt::KeepEmptyParts).first();
-    const QString build = versionFile.value(QStringLiteral("version/BuildNumber")).toString();
+    QString build = versionFile.value(QStringLiteral("version/BuildNumber")).toString();
 
     switch (pattern) {
     case VersionMajor:
