@@ -35,3 +35,18 @@ run label display_pref
 run label SHOW
 run label LOCATE_SITE --json
 run label --list
+# Versions, typed settings, companion tools and file type filters.
+run version
+run version --group Solvane --pattern major-minor
+run settings get DEFAULT_DEVICE_FAMILY --project "$demo/project/" --type string
+run settings get MESSAGE_LIMIT --project "$demo/project/" --type int
+run settings get DEFAULT_SPEED_GRADE --project "$demo/project/" --type int
+run settings set --user --type int EDITOR_FONT_SIZE 13
+run settings get EDITOR_FONT_SIZE --type int
+run settings set --project "$demo/project/" --type list SOURCE_DIRS "rtl, tb"
+run settings get SOURCE_DIRS --project "$demo/project/" --type list --json
+run settings unset --project "$demo/project/" SOURCE_DIRS
+run tools --project "$demo/project/"
+run tools --defaults --json
+run filter vhdl
+run filter netlist "Netlists" --project "$demo/project/"

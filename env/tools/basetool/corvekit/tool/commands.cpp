@@ -4,7 +4,10 @@ const QList<Command> &commands()
 {
     static const QList<Command> all = {
         {"env", "how the installation and the process environment resolve", runEnv},
-        {"settings", "read settings through the project, user and system levels", runSettings},
+        {"settings", "read and write settings of the project, user and system levels", runSettings},
+        {"version", "the installed product version and the library's build stamp", runVersion},
+        {"tools", "where the companion tools lie and which simulator is selected", runTools},
+        {"filter", "the extensions and the file dialog filter of a file type", runFilter},
         {"label", "the text shown for a label key, or the whole label table", runLabel},
     };
     return all;

@@ -19,4 +19,9 @@ int runEnv(const QStringList &arguments);
 int runSettings(const QStringList &arguments);
 int runLabel(const QStringList &arguments);
 
+// Versions, companion tools and file type filters of the installation.
+int runVersion(const QStringList &arguments);
+int runTools(const QStringList &arguments);
+int runFilter(const QStringList &arguments);
+
 #endif

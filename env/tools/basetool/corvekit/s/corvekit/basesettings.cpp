@@ -10,6 +10,7 @@
 #include <QSettings>
 
 #include <cstdlib>
+#include <memory>
 
 QString BaseSettings::m_prjPath;
 const char *const BaseSettings::m_setting_file = ".setting";
@@ -48,7 +49,37 @@ struct BaseSettings::Levels
 
 namespace {
 
-const QString siblingApplication = QStringLiteral("Fenwright Studio");
+// Names made once rather than at every construction.
+const QString &siblingApplication()
+{
+    static const QString name = QStringLiteral("Fenwright Studio");
+    return name;
+}
+
+const QString &individualOrganization()
+{
+    static const QString name = QStringLiteral("Meravex/OstraneNG");
+    return name;
+}
+
+const QString &siblingOrganization()
+{
+    static const QString name = QStringLiteral("Meravex/FenwrightStudio");
+    return name;
+}
+
+// m_setting_file, and m_setting_file with ".ini".
+const QString &settingName()
+{
+    static const QString name = QStringLiteral(".setting");
+    return name;
+}
+
+const QString &settingFileName()
+{
+    static const QString name = QStringLiteral(".setting.ini");
+    return name;
+}
 
 QSettings *openFile(const QString &fileName)
 {
@@ -57,10 +88,59 @@ QSettings *openFile(const QString &fileName)
     return settings;
 }
 
-QSettings *openUserFile(const char *organization, const char *application)
+QSettings *openUserFile(const QString &organization)
 {
-    return new QSettings(QSettings::IniFormat, QSettings::UserScope,
-                         QString::fromLatin1(organization), QString::fromLatin1(application));
+    return new QSettings(QSettings::IniFormat, QSettings::UserScope, organization, settingName());
+}
+
+/*
+ * Qt shares the parse of a settings file between all QSettings that have it open, and checks
+ * the file's size and modification time whenever another one is made; but once none has it open
+ * it forgets a file of more than a few hundred keys and parses it again next time. Every call of
+ * the library makes and drops a BaseSettings, so each thread keeps one QSettings open on the
+ * system file it last used: an unchanged file is then parsed once, a changed one at the next
+ * construction, as before. The same slot remembers the system file's path for the TOOLRTF text
+ * it was composed from.
+ */
+struct SystemFileKeeper
+{
+    QByteArray root;  // TOOLRTF as last composed, absolute; empty if not reusable
+    QString rootFile; // the system file composed from it
+    QString keptFile; // the file that kept is open on
+    std::unique_ptr<QSettings> kept;
+};
+
+thread_local SystemFileKeeper systemFileKeeper;
+
+QString composeSystemFile()
+{
+    const QDir dataDir(BaseSystem::getInstallPath().path() + QLatin1String("/data"));
+    return dataDir.absoluteFilePath(settingFileName());
+}
+
+// The system file below the install root. With an absolute TOOLRTF the path depends on its text
+// alone, so the last composition is reused while the text stays the same.
+QString systemFilePath()
+{
+    const char *root = std::getenv("TOOLRTF");
+    if (!root || !QDir::isAbsolutePath(QString::fromUtf8(root)))
+        return composeSystemFile();
+    SystemFileKeeper &keeper = systemFileKeeper;
+    if (keeper.root != root) {
+        keeper.rootFile = composeSystemFile();
+        keeper.root = root;
+    }
+    return keeper.rootFile;
+}
+
+void keepOpen(const QString &systemFile)
+{
+    SystemFileKeeper &keeper = systemFileKeeper;
+    if (keeper.kept && keeper.keptFile == systemFile)
+        return;
+    // Made before the previous one is dropped: the current file is open here already.
+    keeper.kept = std::make_unique<QSettings>(systemFile, QSettings::IniFormat);
+    keeper.keptFile = systemFile;
 }
 
 void warn(const QString &text)
@@ -77,20 +157,20 @@ BaseSettings::BaseSettings()
 BaseSettings::BaseSettings(QString projectPath)
     : m_levels(new Levels)
 {
-    const QString settingFile = QLatin1String(m_setting_file) + QLatin1String(".ini");
-
-    const QDir dataDir(BaseSystem::getInstallPath().path() + QLatin1String("/data"));
-    m_levels->system = openFile(dataDir.absoluteFilePath(settingFile));
+    const QString systemFile = systemFilePath();
+    m_levels->system = openFile(systemFile);
+    keepOpen(systemFile);
 
     QSettings *user = nullptr;
-    if (QCoreApplication::applicationName() == siblingApplication) {
-        user = openUserFile("Meravex/FenwrightStudio", m_setting_file);
+    if (QCoreApplication::applicationName() == siblingApplication()) {
+        user = openUserFile(siblingOrganization());
     } else {
-        const QString groupFile(std::getenv("SOLVANE_GROUP_SETTING_FILE"));
+        const char *groupVariable = std::getenv("SOLVANE_GROUP_SETTING_FILE");
+        const QString groupFile = groupVariable ? QString(groupVariable) : QString();
         if (groupFile.isEmpty()) {
-            user = openUserFile("Meravex/OstraneNG", m_setting_file);
+            user = openUserFile(individualOrganization());
         } else if (QFileInfo groupInfo(groupFile); groupInfo.exists() && !groupInfo.isReadable()) {
-            user = openUserFile("Meravex/OstraneNG", m_setting_file);
+            user = openUserFile(individualOrganization());
             warn(QStringLiteral("The group setting file '%1' is not readable and use individual "
                                 "setting file instead.")
                      .arg(groupFile));
@@ -106,7 +186,7 @@ BaseSettings::BaseSettings(QString projectPath)
 
     if (projectPath.isEmpty())
         projectPath = m_prjPath.isEmpty() ? QStringLiteral("./") : m_prjPath;
-    m_levels->project = openFile(projectPath + settingFile);
+    m_levels->project = openFile(projectPath + settingFileName());
 
     m_system_setting = m_levels->system;
     m_user_setting = m_levels->user;

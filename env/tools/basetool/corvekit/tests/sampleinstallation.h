@@ -1,0 +1,59 @@
+#ifndef CORVEKIT_TESTS_SAMPLEINSTALLATION_H
+#define CORVEKIT_TESTS_SAMPLEINSTALLATION_H
+
+#include "childprocess.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+
+// A throw-away installation for child scenarios: an install root with its data folder, a home
+// with the user level, and a project folder. Children get TOOLRTF, HOME and the project path
+// (CORVEKIT_TEST_PROJECT, with its closing slash) through environment().
+class SampleInstallation
+{
+public:
+    QString root() const { return m_dir.path() + QStringLiteral("/root"); }
+    QString home() const { return m_dir.path() + QStringLiteral("/home"); }
+    QString project() const { return m_dir.path() + QStringLiteral("/project/"); }
+    QString path(const QString &relative) const
+    {
+        return m_dir.path() + QLatin1Char('/') + relative;
+    }
+
+    QString systemFile() const { return root() + QStringLiteral("/data/.setting.ini"); }
+    QString userFile() const
+    {
+        return home() + QStringLiteral("/.config/Meravex/OstraneNG/.setting.ini");
+    }
+    QString projectFile() const { return project() + QStringLiteral(".setting.ini"); }
+    QString versionFile() const { return root() + QStringLiteral("/data/zeksys.ini"); }
+
+    bool setSystem(const QByteArray &text) const { return writeFile(systemFile(), text); }
+    bool setUser(const QByteArray &text) const { return writeFile(userFile(), text); }
+    bool setProject(const QByteArray &text) const { return writeFile(projectFile(), text); }
+    bool setVersion(const QByteArray &text) const { return writeFile(versionFile(), text); }
+    //! Makes a folder below the install root, as a companion tool's installation would.
+    bool makeToolFolder(const QString &relative) const
+    {
+        return QDir().mkpath(root() + QLatin1Char('/') + relative);
+    }
+
+    QProcessEnvironment environment() const
+    {
+        QProcessEnvironment environment = cleanEnvironment(home());
+        environment.insert(QStringLiteral("TOOLRTF"), root());
+        environment.insert(QStringLiteral("CORVEKIT_TEST_PROJECT"), project());
+        return environment;
+    }
+
+    bool isValid() const
+    {
+        return m_dir.isValid() && QDir().mkpath(root() + QStringLiteral("/data")) &&
+               QDir().mkpath(home()) && QDir().mkpath(project());
+    }
+
+private:
+    QTemporaryDir m_dir;
+};
+
+#endif
