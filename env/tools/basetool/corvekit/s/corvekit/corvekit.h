@@ -5,5 +5,7 @@
 #include "basesettings.h"
 #include "basesystem.h"
 #include "diagtrace.h"
+#include "profiler.h"
+#include "profilersettings.h"
 
 #endif
