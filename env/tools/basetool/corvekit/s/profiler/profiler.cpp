@@ -39,6 +39,17 @@ void letGo(const std::vector<ProfileTask *> &tasks)
     }
 }
 
+// Posts a detail line: the task's name, the local time and the memory in use in whole MB.
+void postDetail(const char *format, const char *name)
+{
+    const auto megabytes = static_cast<unsigned>(UT_MEM_USAGE::getCurrentMemoryUsage() >> 20);
+    const std::time_t now = std::time(nullptr);
+    std::tm local{};
+    localtime_r(&now, &local);
+    std::strftime(timeText, sizeof timeText, "%H:%M:%S", &local);
+    post_utmsg(neoform(format, name, timeText, megabytes));
+}
+
 } // namespace
 
 Profiler::Profiler()
@@ -172,16 +183,6 @@ ProfileTask *Profiler::getTask(const char *name)
     }
     task->m_holders = 1;
     return task.release();
-}
-
-void Profiler::postDetail(const char *format, const char *name)
-{
-    const auto megabytes = static_cast<unsigned>(UT_MEM_USAGE::getCurrentMemoryUsage() >> 20);
-    const std::time_t now = std::time(nullptr);
-    std::tm local{};
-    localtime_r(&now, &local);
-    std::strftime(timeText, sizeof timeText, "%H:%M:%S", &local);
-    post_utmsg(neoform(format, name, timeText, megabytes));
 }
 
 } // namespace tivoran::corvekit

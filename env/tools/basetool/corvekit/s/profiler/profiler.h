@@ -55,7 +55,6 @@ public:
 
 private:
     ProfileTask *getTask(const char *name);
-    void postDetail(const char *format, const char *name);
 
     bool m_enabled = false;
     bool m_detail = false;
