@@ -47,7 +47,12 @@ QString ProfilerSettings::getValue(const QString &key) const
 {
     if (!m_enabled)
         return QString();
-    return m_settings->value(key).toString();
+    // A key the file lacks reads as empty, as a key with an empty value does; null is kept
+    // for the feature being off.
+    QString value = m_settings->value(key).toString();
+    if (value.isNull())
+        value = QStringLiteral("");
+    return value;
 }
 
 bool ProfilerSettings::isProfileEnabled() const
