@@ -28,3 +28,8 @@ run env --project "$demo/project/"
 run settings get DEFAULT_DEVICE_FAMILY --project "$demo/project/"
 run settings get MESSAGE_LIMIT --project "$demo/project/"
 run settings get SIMULATOR_TYPE --project "$demo/project/" --json
+# The tool profiles itself: with ENABLE_GUI_PROFILER=1 the profile report of the subcommand and
+# its steps follows on standard error.
+echo
+echo "(with ENABLE_GUI_PROFILER=1)"
+ENABLE_GUI_PROFILER=1 run settings get DEFAULT_DEVICE_FAMILY --project "$demo/project/" 2>&1

@@ -1,5 +1,6 @@
 #include "commands.h"
 #include "toolio.h"
+#include "toolprofiling.h"
 
 #include <corvekit/basesettings.h>
 
@@ -7,6 +8,8 @@
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QSettings>
+
+#include <optional>
 
 namespace {
 
@@ -50,15 +53,18 @@ int runGet(const QStringList &arguments)
         return status;
 
     const QString key = parser.positionalArguments().at(1);
+    std::optional<ProfileStep> step(std::in_place, "open settings");
     BaseSettings settings(parser.value(projectOption));
     if (const QString file = malformedLevel(settings); !file.isEmpty())
         return fail(ExitInvalidInput, QStringLiteral("%1: malformed settings file").arg(file));
 
+    step.emplace("look up");
     const QVariant value = settings.getSetting(key, QVariant());
     const QString level = answeringLevel(settings, key);
     if (level == QLatin1String("none"))
         return fail(ExitNotFound, QStringLiteral("'%1' is set at no level").arg(key));
 
+    step.emplace("print");
     const QStringList list = value.toStringList();
     const bool isList = value.userType() == QMetaType::QStringList;
     if (parser.isSet(jsonOption)) {
