@@ -70,8 +70,8 @@ inline void advance(hulmar::testing::FakeProbes &probes, double cpu, double real
 {
     probes.cpuSeconds += cpu;
     probes.realSeconds += real;
-    probes.currentMemory = static_cast<std::uint64_t>(
-        static_cast<std::int64_t>(probes.currentMemory) + memory);
+    probes.currentMemory =
+        static_cast<std::uint64_t>(static_cast<std::int64_t>(probes.currentMemory) + memory);
 }
 
 // The texts of the numbered messages captured so far, as lines of text.

@@ -23,7 +23,7 @@ using hulmar::testing::MessageCapture;
 
 namespace {
 
-constexpr std::uint64_t MB = 1024 * 1024;
+constexpr std::uint64_t MB = std::uint64_t{1024} * 1024;
 
 // Touches \a bytes of fresh anonymous memory so they become resident; unmapped by the caller.
 void *touch(std::size_t bytes)
@@ -81,22 +81,23 @@ void TestHulmar::neoformConversions_data()
     QTest::addColumn<QByteArray>("formatted");
     QTest::addColumn<QByteArray>("expected");
 
-    QTest::newRow("%s") << QByteArray(neoform("[%s] started", "Place")) << QByteArray("[Place] started");
+    QTest::newRow("%s") << QByteArray(neoform("[%s] started", "Place"))
+                        << QByteArray("[Place] started");
     QTest::newRow("%u") << QByteArray(neoform("Mem %uMB", 4294967295U))
                         << QByteArray("Mem 4294967295MB");
     QTest::newRow("%*s") << QByteArray(neoform("%*s|", 11, "Task Name"))
                          << QByteArray("  Task Name|");
-    QTest::newRow("%*s narrower than text") << QByteArray(neoform("%*s|", 2, "Task Name"))
-                                            << QByteArray("Task Name|");
+    QTest::newRow("%*s narrower than text")
+        << QByteArray(neoform("%*s|", 2, "Task Name")) << QByteArray("Task Name|");
     QTest::newRow("%-*s") << QByteArray(neoform("%-*s|", 6, "Map")) << QByteArray("Map   |");
     QTest::newRow("%*.2f") << QByteArray(neoform("%*.2f|", 8, 1.255)) << QByteArray("    1.25|");
     QTest::newRow("%*.2f wider than its width")
         << QByteArray(neoform("%*.2f|", 4, 123456789.0)) << QByteArray("123456789.00|");
-    QTest::newRow("%+*.2f positive") << QByteArray(neoform("%+*.2f", 8, 3.5))
-                                     << QByteArray("   +3.50");
+    QTest::newRow("%+*.2f positive")
+        << QByteArray(neoform("%+*.2f", 8, 3.5)) << QByteArray("   +3.50");
     QTest::newRow("%+*.2f zero") << QByteArray(neoform("%+*.2f", 6, 0.0)) << QByteArray(" +0.00");
-    QTest::newRow("%+*.2f negative") << QByteArray(neoform("%+*.2f", 6, -1.0))
-                                     << QByteArray(" -1.00");
+    QTest::newRow("%+*.2f negative")
+        << QByteArray(neoform("%+*.2f", 6, -1.0)) << QByteArray(" -1.00");
     QTest::newRow("no conversion") << QByteArray(neoform("plain text")) << QByteArray("plain text");
     QTest::newRow("null format") << QByteArray(neoform(nullptr)) << QByteArray("");
 }
@@ -182,7 +183,8 @@ void TestHulmar::memoryFollowsResidentPages()
     munmap(block, 64 * MB);
     const std::uint64_t released = UT_MEM_USAGE::getCurrentMemoryUsage();
 
-    QVERIFY2(after >= before + 48 * MB, qPrintable(QStringLiteral("%1 -> %2").arg(before).arg(after)));
+    QVERIFY2(after >= before + 48 * MB,
+             qPrintable(QStringLiteral("%1 -> %2").arg(before).arg(after)));
     QVERIFY(peak >= after);
     QVERIFY2(released + 48 * MB <= after,
              qPrintable(QStringLiteral("%1 -> %2").arg(after).arg(released)));
@@ -219,7 +221,7 @@ void TestHulmar::fakeProbesReplaceAndCount()
         probes.peakMemory = 456 * MB;
         QCOMPARE(UT_MEM_USAGE::getCurrentMemoryUsage(), 123 * MB);
         QCOMPARE(UT_MEM_USAGE::getPeakMemoryUsage(), 456 * MB);
-        UT_TIMER timer;          // two clock readings
+        UT_TIMER timer;         // two clock readings
         timer.get_delta_cpu();  // one
         timer.get_delta_real(); // one
         QCOMPARE(probes.readings, 6);
@@ -249,8 +251,7 @@ void TestHulmar::captureKeepsMessages()
     QCOMPARE(messages[2].text, std::string(""));
     QCOMPARE(messages[3].number, std::string("42")); // shown, its arguments left out
     QCOMPARE(messages[3].text, std::string(""));
-    QCOMPARE(capture.texts(),
-             (std::vector<std::string>{"line one\nline two", "careful", "", ""}));
+    QCOMPARE(capture.texts(), (std::vector<std::string>{"line one\nline two", "careful", "", ""}));
     capture.clear();
     QVERIFY(capture.messages().empty());
 }

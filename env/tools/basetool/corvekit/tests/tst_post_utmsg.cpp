@@ -27,8 +27,7 @@ QList<LogRecord> records;
 
 void keepRecords(QtMsgType type, const QMessageLogContext &context, const QString &message)
 {
-    records.append({type, context.category, context.file, context.line, context.function,
-                    message});
+    records.append({type, context.category, context.file, context.line, context.function, message});
 }
 
 // Posts \a text with the category switched by \a rules; keeps what reached the handler.
@@ -66,7 +65,8 @@ void TestPostUtmsg::textGoesOutWhole_data()
     QTest::newRow("empty") << QByteArray("");
     QTest::newRow("percent signs are not formats") << QByteArray("100% done %s %d");
     QTest::newRow("long") << QByteArray(20000, 'x');
-    QTest::newRow("utf-8 bytes") << QByteArray("Gr\xc3\xb6\xc3\x9f" "e");
+    QTest::newRow("utf-8 bytes") << QByteArray("Gr\xc3\xb6\xc3\x9f"
+                                               "e");
 }
 
 void TestPostUtmsg::textGoesOutWhole()

@@ -15,7 +15,7 @@ using tivoran::corvekit::Profiler;
 
 namespace {
 
-constexpr std::int64_t MB = 1024 * 1024;
+constexpr std::int64_t MB = std::int64_t{1024} * 1024;
 
 // The rows of a report of `profiler`: every posting between the header's closing rule and the
 // closing rule.
@@ -121,20 +121,34 @@ void TestProfiler::switches_data()
     QTest::addColumn<QString>("posts");
 
     const QByteArray unset("<unset>");
-    QTest::newRow("both unset") << unset << unset << "no" << "no";
-    QTest::newRow("empty") << QByteArray("") << unset << "no" << "no";
-    QTest::newRow("0") << QByteArray("0") << unset << "no" << "no";
-    QTest::newRow("true") << QByteArray("true") << unset << "no" << "no";
-    QTest::newRow("blank then 1") << QByteArray(" 1") << unset << "no" << "no";
-    QTest::newRow("1") << QByteArray("1") << unset << "yes" << "no";
-    QTest::newRow("10") << QByteArray("10") << unset << "yes" << "no";
-    QTest::newRow("1abc") << QByteArray("1abc") << unset << "yes" << "no";
-    QTest::newRow("detail without enable") << unset << QByteArray("1") << "no" << "no";
-    QTest::newRow("detail with enable 0") << QByteArray("0") << QByteArray("1") << "no" << "no";
-    QTest::newRow("detail 0") << QByteArray("1") << QByteArray("0") << "yes" << "no";
-    QTest::newRow("detail empty") << QByteArray("1") << QByteArray("") << "yes" << "no";
-    QTest::newRow("detail 1") << QByteArray("1") << QByteArray("1") << "yes" << "yes";
-    QTest::newRow("detail 10") << QByteArray("1") << QByteArray("10") << "yes" << "yes";
+    QTest::newRow("both unset") << unset << unset << "no"
+                                << "no";
+    QTest::newRow("empty") << QByteArray("") << unset << "no"
+                           << "no";
+    QTest::newRow("0") << QByteArray("0") << unset << "no"
+                       << "no";
+    QTest::newRow("true") << QByteArray("true") << unset << "no"
+                          << "no";
+    QTest::newRow("blank then 1") << QByteArray(" 1") << unset << "no"
+                                  << "no";
+    QTest::newRow("1") << QByteArray("1") << unset << "yes"
+                       << "no";
+    QTest::newRow("10") << QByteArray("10") << unset << "yes"
+                        << "no";
+    QTest::newRow("1abc") << QByteArray("1abc") << unset << "yes"
+                          << "no";
+    QTest::newRow("detail without enable") << unset << QByteArray("1") << "no"
+                                           << "no";
+    QTest::newRow("detail with enable 0") << QByteArray("0") << QByteArray("1") << "no"
+                                          << "no";
+    QTest::newRow("detail 0") << QByteArray("1") << QByteArray("0") << "yes"
+                              << "no";
+    QTest::newRow("detail empty") << QByteArray("1") << QByteArray("") << "yes"
+                                  << "no";
+    QTest::newRow("detail 1") << QByteArray("1") << QByteArray("1") << "yes"
+                              << "yes";
+    QTest::newRow("detail 10") << QByteArray("1") << QByteArray("10") << "yes"
+                               << "yes";
 }
 
 void TestProfiler::switches()
@@ -200,18 +214,15 @@ void TestProfiler::nesting_data()
     QTest::addColumn<QStringList>("steps");
     QTest::addColumn<QStringList>("rows");
 
-    QTest::newRow("three levels")
-        << QStringList{"+Load", "+Parse", "+Lex", "-", "-", "-"}
-        << QStringList{"Load", " Parse", "  Lex"};
+    QTest::newRow("three levels") << QStringList{"+Load", "+Parse", "+Lex", "-", "-", "-"}
+                                  << QStringList{"Load", " Parse", "  Lex"};
     QTest::newRow("siblings share a level")
         << QStringList{"+Flow", "+Synth", "-", "+Place", "-", "+Route", "-", "-"}
         << QStringList{"Flow", " Synth", " Place", " Route"};
     QTest::newRow("later nesting keeps the first place")
-        << QStringList{"+Check", "-", "+Flow", "+Check", "-", "-"}
-        << QStringList{" Check", "Flow"};
+        << QStringList{"+Check", "-", "+Flow", "+Check", "-", "-"} << QStringList{" Check", "Flow"};
     QTest::newRow("later top level start lifts a nested record")
-        << QStringList{"+Flow", "+Check", "-", "-", "+Check", "-"}
-        << QStringList{"Flow", "Check"};
+        << QStringList{"+Flow", "+Check", "-", "-", "+Check", "-"} << QStringList{"Flow", "Check"};
     QTest::newRow("stop returns to the parent")
         << QStringList{"+A", "+B", "-", "+C", "+D", "-", "-", "-", "+E", "-"}
         << QStringList{"A", " B", " C", "  D", "E"};
@@ -232,8 +243,10 @@ void TestProfiler::nesting()
     }
     QStringList shown;
     for (const QString &row : reportRows(profiler))
-        shown.append(row.left(row.indexOf(QLatin1String(" |"))).trimmed().prepend(
-            QString(row.indexOf(QRegularExpression(QStringLiteral("\\S"))), QLatin1Char(' '))));
+        shown.append(row.left(row.indexOf(QLatin1String(" |")))
+                         .trimmed()
+                         .prepend(QString(row.indexOf(QRegularExpression(QStringLiteral("\\S"))),
+                                          QLatin1Char(' '))));
     QCOMPARE(shown, rows);
 }
 
@@ -307,14 +320,11 @@ void TestProfiler::titles_data()
     QTest::newRow("null title changes nothing")
         << QStringList{"+Parse", "=Parse VHDL", "0", "-"} << QStringList{"Parse VHDL"};
     QTest::newRow("title stays for a later run")
-        << QStringList{"+Parse", "=Parse VHDL", "-", "+Parse", "-"}
-        << QStringList{"Parse VHDL"};
+        << QStringList{"+Parse", "=Parse VHDL", "-", "+Parse", "-"} << QStringList{"Parse VHDL"};
     QTest::newRow("after a stop the parent gets the title")
-        << QStringList{"+Flow", "+Map", "-", "=Full flow", "-"}
-        << QStringList{"Full flow", " Map"};
+        << QStringList{"+Flow", "+Map", "-", "=Full flow", "-"} << QStringList{"Full flow", " Map"};
     QTest::newRow("title goes to the innermost task")
-        << QStringList{"+Flow", "+Map", "=Mapping", "-", "-"}
-        << QStringList{"Flow", " Mapping"};
+        << QStringList{"+Flow", "+Map", "=Mapping", "-", "-"} << QStringList{"Flow", " Mapping"};
 }
 
 void TestProfiler::titles()
@@ -337,8 +347,10 @@ void TestProfiler::titles()
     }
     QStringList shown;
     for (const QString &row : reportRows(profiler))
-        shown.append(row.left(row.indexOf(QLatin1String(" |"))).trimmed().prepend(
-            QString(row.indexOf(QRegularExpression(QStringLiteral("\\S"))), QLatin1Char(' '))));
+        shown.append(row.left(row.indexOf(QLatin1String(" |")))
+                         .trimmed()
+                         .prepend(QString(row.indexOf(QRegularExpression(QStringLiteral("\\S"))),
+                                          QLatin1Char(' '))));
     QCOMPARE(shown, names);
 }
 
@@ -393,6 +405,7 @@ void TestProfiler::manyNamesKeepTheirOrder()
     Profiler profiler = makeProfiler(Mode::Enabled);
     constexpr int count = 3000;
     std::vector<QByteArray> names;
+    names.reserve(count);
     for (int i = 0; i < count; ++i)
         names.push_back("task " + QByteArray::number((i * 7919) % count));
     for (int round = 0; round < 2; ++round) {
@@ -469,7 +482,7 @@ void TestProfiler::copySharesRecords()
     Profiler copy(original);
 
     advance(probes, 1.0, 1.0, 0);
-    copy.stopRecord();     // Map, seen by both
+    copy.stopRecord();       // Map, seen by both
     copy.startRecord("Own"); // only the copy lists it
     copy.stopRecord();
     original.stopRecord(); // Map again, through the original's own chain

@@ -12,7 +12,7 @@ using tivoran::corvekit::Profiler;
 
 namespace {
 
-constexpr std::int64_t MB = 1024 * 1024;
+constexpr std::int64_t MB = std::int64_t{1024} * 1024;
 
 using Recording = std::function<void(Profiler &, FakeProbes &)>;
 
@@ -108,24 +108,27 @@ void TestProfilerReport::lines_data()
                advance(probes, 1, 1, 0);
                profiler.stopRecord();
            })
-        << QStringList{rule, header, rule,
-                       "Short     |        1.00 |         1.00 |        +0.00", rule};
+        << QStringList{rule, header, rule, "Short     |        1.00 |         1.00 |        +0.00",
+                       rule};
 
     QTest::newRow("negative memory keeps its sign and the width")
         << Recording([](Profiler &profiler, FakeProbes &probes) {
                run(profiler, probes, "Free", 0.01, 0.02, -500 * MB);
            })
-        << QStringList{rule, header, rule,
-                       "Free      |        0.01 |         0.02 |      -500.00", rule};
+        << QStringList{rule, header, rule, "Free      |        0.01 |         0.02 |      -500.00",
+                       rule};
 
     QTest::newRow("wide figure shifts only its own row")
         << Recording([](Profiler &profiler, FakeProbes &probes) {
                run(profiler, probes, "Long", 123456789.0, 1, 0);
                run(profiler, probes, "Short", 1, 1, 0);
            })
-        << QStringList{rule, header, rule,
+        << QStringList{rule,
+                       header,
+                       rule,
                        "Long      | 123456789.00 |         1.00 |        +0.00",
-                       "Short     |        1.00 |         1.00 |        +0.00", rule};
+                       "Short     |        1.00 |         1.00 |        +0.00",
+                       rule};
 
     QTest::newRow("figures above 1e11 widen their columns by their log10")
         << Recording([](Profiler &profiler, FakeProbes &probes) {
@@ -134,13 +137,12 @@ void TestProfilerReport::lines_data()
                run(profiler, probes, "Grow", 0, 0, 2000000000000000000);
                probes.currentMemory = 512 * MB;
            })
-        << QStringList{
-               "----------+--------------+---------------+--------------",
-               "Task Name |  CPU Time(s) |  Real Time(s) |  Delta Mem(M)",
-               "----------+--------------+---------------+--------------",
-               "Huge      | 2000000000000.00 | 30000000000000.00 |         +0.00",
-               "Grow      |         0.00 |          0.00 | +1907348632812.50",
-               "----------+--------------+---------------+--------------"};
+        << QStringList{"----------+--------------+---------------+--------------",
+                       "Task Name |  CPU Time(s) |  Real Time(s) |  Delta Mem(M)",
+                       "----------+--------------+---------------+--------------",
+                       "Huge      | 2000000000000.00 | 30000000000000.00 |         +0.00",
+                       "Grow      |         0.00 |          0.00 | +1907348632812.50",
+                       "----------+--------------+---------------+--------------"};
 
     QTest::newRow("running task shows finished runs only")
         << Recording([](Profiler &profiler, FakeProbes &probes) {
@@ -163,9 +165,12 @@ void TestProfilerReport::lines_data()
                run(profiler, probes, "Check", 1, 1, 0);
                profiler.stopRecord();
            })
-        << QStringList{rule, header, rule,
+        << QStringList{rule,
+                       header,
+                       rule,
                        " Check    |        2.00 |         2.00 |        +0.00",
-                       "Flow      |        1.00 |         1.00 |        +0.00", rule};
+                       "Flow      |        1.00 |         1.00 |        +0.00",
+                       rule};
 
     QTest::newRow("long name is never cut")
         << Recording([](Profiler &profiler, FakeProbes &) {
@@ -255,8 +260,7 @@ void TestProfilerReport::disabledReportIsSilent()
 
 namespace {
 QStringList loggedLines;
-void keepProfilerRecords(QtMsgType type, const QMessageLogContext &context,
-                         const QString &message)
+void keepProfilerRecords(QtMsgType type, const QMessageLogContext &context, const QString &message)
 {
     if (type == QtDebugMsg && qstrcmp(context.category, "gui.profiler.log") == 0)
         loggedLines.append(message);

@@ -22,12 +22,11 @@ void keepWarnings(QtMsgType type, const QMessageLogContext &context, const QStri
     if (type != QtWarningMsg)
         return;
     const QByteArray file(context.file ? context.file : "");
-    const bool fromHere = file.endsWith("s/profiler/profilersettings.cpp") && context.line > 0 &&
-                          QByteArray(context.function ? context.function : "")
-                              .contains("ProfilerSettings");
+    const bool fromHere =
+        file.endsWith("s/profiler/profilersettings.cpp") && context.line > 0 &&
+        QByteArray(context.function ? context.function : "").contains("ProfilerSettings");
     warnings.append(QStringLiteral("%1%2:%3").arg(fromHere ? "" : "<no context>",
-                                                   QString::fromLatin1(context.category),
-                                                   message));
+                                                  QString::fromLatin1(context.category), message));
 }
 
 QString shown(const QString &value)
@@ -68,14 +67,13 @@ int onceScenario()
 
 ScenarioTable scenarios()
 {
-    return {{QStringLiteral("settings"), settingsScenario},
-            {QStringLiteral("once"), onceScenario}};
+    return {{QStringLiteral("settings"), settingsScenario}, {QStringLiteral("once"), onceScenario}};
 }
 
-const QByteArray iniText = "plain=hello\n"
-                           "empty=\n"
-                           "[group]\n"
-                           "key=in group\n";
+const char *const iniText = "plain=hello\n"
+                            "empty=\n"
+                            "[group]\n"
+                            "key=in group\n";
 
 } // namespace
 
@@ -99,14 +97,22 @@ void TestProfilerSettings::cases_data()
     QTest::addColumn<bool>("warned");
     QTest::addColumn<bool>("profilerEnabled");
 
-    QTest::newRow("enable 1, file unset") << "1" << "<unset>" << false << false << true;
-    QTest::newRow("enable unset, file set") << "<unset>" << "file" << false << false << false;
-    QTest::newRow("enable 0, file set") << "0" << "file" << false << false << false;
-    QTest::newRow("enable true, file set") << "true" << "file" << false << false << false;
-    QTest::newRow("enable 1, file present") << "1" << "file" << true << false << true;
-    QTest::newRow("enable 10, file present") << "10" << "file" << true << false << true;
-    QTest::newRow("enable 1, file missing") << "1" << "missing" << true << true << true;
-    QTest::newRow("enable 1, file empty") << "1" << "" << true << true << true;
+    QTest::newRow("enable 1, file unset") << "1"
+                                          << "<unset>" << false << false << true;
+    QTest::newRow("enable unset, file set") << "<unset>"
+                                            << "file" << false << false << false;
+    QTest::newRow("enable 0, file set") << "0"
+                                        << "file" << false << false << false;
+    QTest::newRow("enable true, file set") << "true"
+                                           << "file" << false << false << false;
+    QTest::newRow("enable 1, file present") << "1"
+                                            << "file" << true << false << true;
+    QTest::newRow("enable 10, file present") << "10"
+                                             << "file" << true << false << true;
+    QTest::newRow("enable 1, file missing") << "1"
+                                            << "missing" << true << true << true;
+    QTest::newRow("enable 1, file empty") << "1"
+                                          << "" << true << true << true;
 }
 
 void TestProfilerSettings::cases()
@@ -154,7 +160,7 @@ void TestProfilerSettings::cases()
     // Nothing is written to the file, nor is a missing one made.
     QFile written(file);
     QVERIFY(written.open(QIODevice::ReadOnly));
-    QCOMPARE(written.readAll(), iniText);
+    QCOMPARE(written.readAll(), QByteArray(iniText));
     QVERIFY(!QFile::exists(home.filePath(QStringLiteral("nowhere"))));
 }
 

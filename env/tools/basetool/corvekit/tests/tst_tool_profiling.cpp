@@ -9,15 +9,13 @@
 
 namespace {
 
-const QString tool = QStringLiteral(CORVEKIT_TOOL_PATH);
-
 ChildResult runTool(const QString &home, const QStringList &arguments,
                     const QMap<QString, QString> &variables)
 {
     QProcessEnvironment environment = cleanEnvironment(home);
     for (auto it = variables.begin(); it != variables.end(); ++it)
         environment.insert(it.key(), it.value());
-    return runProgram(tool, arguments, environment, home);
+    return runProgram(QStringLiteral(CORVEKIT_TOOL_PATH), arguments, environment, home);
 }
 
 // The lines of standard error that the report posted, without the message number.
@@ -43,9 +41,11 @@ QStringList taskColumn(const ChildResult &result)
             continue;
         }
         if (rules == 2) // between the header's closing rule and the last rule
-            names.append(line.left(line.indexOf(QLatin1String(" |"))).trimmed().prepend(
-                QString(line.indexOf(QRegularExpression(QStringLiteral("\\S"))),
-                        QLatin1Char(' '))));
+            names.append(
+                line.left(line.indexOf(QLatin1String(" |")))
+                    .trimmed()
+                    .prepend(QString(line.indexOf(QRegularExpression(QStringLiteral("\\S"))),
+                                     QLatin1Char(' '))));
     }
     return names;
 }
@@ -87,8 +87,7 @@ void TestToolProfiling::reportFollowsSubcommand()
 
     QTemporaryDir home;
     QVERIFY(home.isValid());
-    const ChildResult withReport =
-        runTool(home.path(), arguments, {{"ENABLE_GUI_PROFILER", "1"}});
+    const ChildResult withReport = runTool(home.path(), arguments, {{"ENABLE_GUI_PROFILER", "1"}});
     const ChildResult without = runTool(home.path(), arguments, {});
     QCOMPARE(withReport.exitCode, exitCode);
     QVERIFY(!withReport.crashed);
@@ -123,8 +122,7 @@ void TestToolProfiling::switchedOff()
     QFETCH(QString, value);
     QTemporaryDir home;
     QVERIFY(home.isValid());
-    const ChildResult result =
-        runTool(home.path(), {"env"}, {{"ENABLE_GUI_PROFILER", value}});
+    const ChildResult result = runTool(home.path(), {"env"}, {{"ENABLE_GUI_PROFILER", value}});
     QCOMPARE(result.exitCode, 0);
     QCOMPARE(result.standardError, QByteArray());
 }
@@ -134,8 +132,7 @@ void TestToolProfiling::detailLinesBracketTheSteps()
     QTemporaryDir home;
     QVERIFY(home.isValid());
     const ChildResult result = runTool(
-        home.path(), {"env"},
-        {{"ENABLE_GUI_PROFILER", "1"}, {"ENABLE_GUI_PROFILER_DETAIL", "1"}});
+        home.path(), {"env"}, {{"ENABLE_GUI_PROFILER", "1"}, {"ENABLE_GUI_PROFILER_DETAIL", "1"}});
     QCOMPARE(result.exitCode, 0);
     QStringList events;
     const QRegularExpression detail(

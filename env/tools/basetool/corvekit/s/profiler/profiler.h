@@ -58,9 +58,9 @@ private:
 
     bool m_enabled = false;
     bool m_detail = false;
-    ProfileTask *m_current = nullptr;  // the running task, or null
-    std::deque<ProfileTask *> m_stack; // tasks enclosing m_current, outermost first
-    std::vector<ProfileTask *> m_tasks; // every record, in the order of first start; held
+    ProfileTask *m_current = nullptr;    // the running task, or null
+    std::deque<ProfileTask *> m_stack;   // tasks enclosing m_current, outermost first
+    std::vector<ProfileTask *> m_tasks;  // every record, in the order of first start; held
     ProfileTaskIndex *m_index = nullptr; // finds m_tasks entries by name; owned, enabled only
 };
 

@@ -74,20 +74,22 @@ void Profiler::report(const char *title)
             memWidth = static_cast<std::uint64_t>(memDigits);
     }
 
+    const auto dashes = [](std::uint64_t width, qsizetype extra) {
+        return static_cast<qsizetype>(width) + extra;
+    };
     QByteArray rule;
-    rule.reserve(static_cast<qsizetype>(nameWidth + cpuWidth + realWidth + memWidth + 9));
-    rule.append(static_cast<qsizetype>(nameWidth + 1), '-');
+    rule.append(dashes(nameWidth, 1), '-');
     rule += '+';
-    rule.append(static_cast<qsizetype>(cpuWidth + 2), '-');
+    rule.append(dashes(cpuWidth, 2), '-');
     rule += '+';
-    rule.append(static_cast<qsizetype>(realWidth + 2), '-');
+    rule.append(dashes(realWidth, 2), '-');
     rule += '+';
-    rule.append(static_cast<qsizetype>(memWidth + 1), '-');
+    rule.append(dashes(memWidth, 1), '-');
 
     post_utmsg(rule.constData());
-    post_utmsg(neoform("%*s | %*s | %*s | %*s", asWidth(nameWidth), "Task Name",
-                       asWidth(cpuWidth), "CPU Time(s)", asWidth(realWidth), "Real Time(s)",
-                       asWidth(memWidth), "Delta Mem(M)"));
+    post_utmsg(neoform("%*s | %*s | %*s | %*s", asWidth(nameWidth), "Task Name", asWidth(cpuWidth),
+                       "CPU Time(s)", asWidth(realWidth), "Real Time(s)", asWidth(memWidth),
+                       "Delta Mem(M)"));
     post_utmsg(rule.constData());
 
     QByteArray row;

@@ -38,8 +38,10 @@ ProfilerSettings::~ProfilerSettings()
 
 ProfilerSettings &ProfilerSettings::operator=(const ProfilerSettings &other)
 {
-    m_settings = other.m_settings;
-    m_enabled = other.m_enabled;
+    if (this != &other) {
+        m_settings = other.m_settings;
+        m_enabled = other.m_enabled;
+    }
     return *this;
 }
 
