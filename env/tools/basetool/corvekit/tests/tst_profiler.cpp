@@ -7,6 +7,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <ctime>
 #include <memory>
 
 using hulmar::testing::FakeProbes;
@@ -68,10 +69,34 @@ int readOnceScenario()
     return 0;
 }
 
+int utcHour()
+{
+    const std::time_t now = std::time(nullptr);
+    std::tm utc{};
+    gmtime_r(&now, &utc);
+    return utc.tm_hour;
+}
+
+// A detail line's time is local time, in the zone that TZ gives the child.
+int localTimeScenario()
+{
+    MessageCapture capture;
+    Profiler profiler;
+    const int before = utcHour();
+    profiler.startRecord("Place");
+    const int after = utcHour();
+    const QString line = postedTexts(capture).value(0);
+    report(QStringLiteral("line"), line);
+    report(QStringLiteral("utcBefore"), QString::number(before));
+    report(QStringLiteral("utcAfter"), QString::number(after));
+    return 0;
+}
+
 ScenarioTable scenarios()
 {
     return {{QStringLiteral("switches"), switchesScenario},
-            {QStringLiteral("readOnce"), readOnceScenario}};
+            {QStringLiteral("readOnce"), readOnceScenario},
+            {QStringLiteral("localTime"), localTimeScenario}};
 }
 
 } // namespace
@@ -100,6 +125,8 @@ private slots:
     void manyNamesKeepTheirOrder();
 
     void detailLines();
+    void detailTimeIsLocal();
+    void nullNameIsTheEmptyName();
     void detailLinesFallOutsideTheInterval();
 
     void copySharesRecords();
@@ -447,6 +474,45 @@ void TestProfiler::detailLines()
              messages[0].text.c_str());
     QVERIFY2(stopped.match(QString::fromStdString(messages[1].text)).hasMatch(),
              messages[1].text.c_str());
+}
+
+void TestProfiler::detailTimeIsLocal()
+{
+    // Fourteen hours east of UTC, a zone with no daylight saving time.
+    QTemporaryDir home;
+    QVERIFY(home.isValid());
+    QProcessEnvironment environment = cleanEnvironment(home.path());
+    environment.insert(QStringLiteral("TZ"), QStringLiteral("XYZ-14"));
+    environment.insert(QStringLiteral("ENABLE_GUI_PROFILER"), QStringLiteral("1"));
+    environment.insert(QStringLiteral("ENABLE_GUI_PROFILER_DETAIL"), QStringLiteral("1"));
+    const ChildResult child = runScenario(QStringLiteral("localTime"), environment);
+    QCOMPARE(child.exitCode, 0);
+    const QRegularExpressionMatch match =
+        QRegularExpression(
+            QStringLiteral("^\\[Place\\] started at (\\d\\d):\\d\\d:\\d\\d, Mem \\d+MB$"))
+            .match(child.value(QStringLiteral("line")));
+    QVERIFY2(match.hasMatch(), qPrintable(child.value(QStringLiteral("line"))));
+    const int hour = match.captured(1).toInt();
+    const int before = (child.value(QStringLiteral("utcBefore")).toInt() + 14) % 24;
+    const int after = (child.value(QStringLiteral("utcAfter")).toInt() + 14) % 24;
+    QVERIFY2(hour == before || hour == after,
+             qPrintable(QStringLiteral("%1 not in %2..%3").arg(hour).arg(before).arg(after)));
+}
+
+void TestProfiler::nullNameIsTheEmptyName()
+{
+    FakeProbes probes;
+    MessageCapture capture;
+    Profiler profiler = makeProfiler(Mode::Detailed);
+    profiler.startRecord(nullptr);
+    advance(probes, 1.0, 1.0, 0);
+    profiler.stopRecord();
+    profiler.startRecord("");
+    advance(probes, 1.0, 1.0, 0);
+    profiler.stopRecord();
+    QCOMPARE(postedTexts(capture).value(0).left(12), QStringLiteral("[] started a"));
+    QCOMPARE(reportRows(profiler),
+             QStringList{"          |        2.00 |         2.00 |        +0.00"});
 }
 
 void TestProfiler::detailLinesFallOutsideTheInterval()
