@@ -17,6 +17,7 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
+#include <ctime>
 #include <memory>
 #include <string>
 #include <vector>
@@ -107,6 +108,65 @@ void BM_PairDetailOff(benchmark::State &state)
     }
 }
 BENCHMARK(BM_PairDetailOff)->Arg(1)->Arg(1000)->Arg(10000);
+
+double threadCpuSeconds()
+{
+    timespec now{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
+}
+
+// The same comparison in alternating blocks, so that the load of a shared machine weighs on
+// both sides alike: counters give each side's CPU time per pair and their ratio.
+void BM_PairAgainstProbes(benchmark::State &state)
+{
+    const std::vector<std::string> names = makeNames(static_cast<std::size_t>(state.range(0)));
+    Profiler profiler = makeProfiler(true, false);
+    for (const std::string &name : names) {
+        profiler.startRecord(name.c_str());
+        profiler.stopRecord();
+    }
+    UT_TIMER timer;
+    double sink = 0;
+    const auto probes = [&] {
+        timer.reset();
+        const double start = static_cast<double>(UT_MEM_USAGE::getCurrentMemoryUsage());
+        sink += timer.get_delta_cpu();
+        sink += timer.get_delta_real();
+        sink += static_cast<double>(UT_MEM_USAGE::getCurrentMemoryUsage()) - start;
+    };
+    std::size_t next = 0;
+    const auto pair = [&] {
+        profiler.startRecord(names[next].c_str());
+        profiler.stopRecord();
+        if (++next == names.size())
+            next = 0;
+    };
+    constexpr int block = 64;
+    double probeSeconds = 0;
+    double pairSeconds = 0;
+    bool probesFirst = true;
+    for (auto _ : state) {
+        for (int side = 0; side < 2; ++side) {
+            const bool measuringProbes = (side == 0) == probesFirst;
+            const double start = threadCpuSeconds();
+            for (int i = 0; i < block; ++i) {
+                if (measuringProbes)
+                    probes();
+                else
+                    pair();
+            }
+            (measuringProbes ? probeSeconds : pairSeconds) += threadCpuSeconds() - start;
+        }
+        probesFirst = !probesFirst;
+    }
+    benchmark::DoNotOptimize(sink);
+    const double pairs = static_cast<double>(state.iterations()) * block;
+    state.counters["probes_ns"] = probeSeconds / pairs * 1e9;
+    state.counters["pair_ns"] = pairSeconds / pairs * 1e9;
+    state.counters["ratio"] = pairSeconds / probeSeconds;
+}
+BENCHMARK(BM_PairAgainstProbes)->Arg(1)->Arg(1000)->Arg(10000);
 
 // Detail lines on, the message channel reduced to the test capture and the debug category off.
 void BM_PairDetailOn(benchmark::State &state)
