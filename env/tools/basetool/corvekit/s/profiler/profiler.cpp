@@ -1,5 +1,6 @@
 #include "profiler.h"
 
+#include "localtime_p.h"
 #include "post_utmsg.h"
 #include "profiletask.h"
 #include "profiletaskindex_p.h"
@@ -45,7 +46,7 @@ void postDetail(const char *format, const char *name)
     const auto megabytes = static_cast<unsigned>(UT_MEM_USAGE::getCurrentMemoryUsage() >> 20);
     const std::time_t now = std::time(nullptr);
     std::tm local{};
-    localtime_r(&now, &local);
+    localTime(now, local);
     std::strftime(timeText, sizeof timeText, "%H:%M:%S", &local);
     post_utmsg(neoform(format, name, timeText, megabytes));
 }
