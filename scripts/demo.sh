@@ -50,3 +50,8 @@ run tools --project "$demo/project/"
 run tools --defaults --json
 run filter vhdl
 run filter netlist "Netlists" --project "$demo/project/"
+# The tool profiles itself: with ENABLE_GUI_PROFILER=1 the profile report of the subcommand and
+# its steps follows on standard error.
+echo
+echo "(with ENABLE_GUI_PROFILER=1)"
+ENABLE_GUI_PROFILER=1 run settings get DEFAULT_DEVICE_FAMILY --project "$demo/project/" 2>&1

@@ -18,11 +18,17 @@ namespace {
 std::atomic<int> statmDescriptor{-1};
 pthread_once_t forkHandlerOnce = PTHREAD_ONCE_INIT;
 
+// The highest peak figure given so far. The kernel's VmHWM comes from counters that are summed
+// lazily and can read a few pages lower after memory is released, so a later report could
+// otherwise show a lower peak than an earlier one.
+std::atomic<std::uint64_t> highestPeak{0};
+
 void forgetDescriptorInChild()
 {
     const int old = statmDescriptor.exchange(-1);
     if (old >= 0)
         close(old);
+    highestPeak.store(0);
 }
 
 void installForkHandler()
@@ -95,5 +101,15 @@ std::uint64_t UT_MEM_USAGE::getPeakMemoryUsage()
         }
     }
     std::fclose(status);
-    return peakKiB * 1024U;
+
+    // Never below the figure in use now, nor below an earlier answer of this process.
+    pthread_once(&forkHandlerOnce, installForkHandler);
+    std::uint64_t peak = peakKiB * 1024U;
+    const std::uint64_t current = getCurrentMemoryUsage();
+    if (peak < current)
+        peak = current;
+    std::uint64_t highest = highestPeak.load();
+    while (highest < peak && !highestPeak.compare_exchange_weak(highest, peak)) {
+    }
+    return highest > peak ? highest : peak;
 }

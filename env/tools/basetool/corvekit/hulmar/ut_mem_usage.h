@@ -10,7 +10,8 @@ class HULMAR_EXPORT UT_MEM_USAGE
 {
 public:
     static std::uint64_t getCurrentMemoryUsage(); // resident set size now
-    static std::uint64_t getPeakMemoryUsage();    // highest resident set size so far
+    // Highest resident set size so far; never lower than an earlier answer or the current size.
+    static std::uint64_t getPeakMemoryUsage();
 };
 
 #endif

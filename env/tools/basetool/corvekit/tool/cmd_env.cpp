@@ -1,5 +1,6 @@
 #include "commands.h"
 #include "toolio.h"
+#include "toolprofiling.h"
 
 #include <corvekit/basesettings.h>
 #include <corvekit/basesystem.h>
@@ -9,6 +10,7 @@
 #include <QSettings>
 
 #include <cstdlib>
+#include <optional>
 #include <utility>
 
 namespace {
@@ -44,7 +46,9 @@ int runEnv(const QStringList &arguments)
     if (int status = parseArguments(parser, arguments, 0, 0); status >= 0)
         return status;
 
+    std::optional<ProfileStep> step(std::in_place, "initialize system");
     BaseSystem::initializeSystem();
+    step.emplace("resolve installation");
     BaseSettings settings(parser.value(projectOption));
 
     // Ordered pairs keep the text output in a reading order; JSON gets the same names.
@@ -68,6 +72,7 @@ int runEnv(const QStringList &arguments)
         {QStringLiteral("system"), settings.getSystemSetting()->fileName()},
     };
     const bool groupFile = settings.isUseGroupSettingFile();
+    step.emplace("print");
 
     if (parser.isSet(jsonOption)) {
         QJsonObject root;

@@ -1,5 +1,6 @@
 #include "commands.h"
 #include "toolio.h"
+#include "toolprofiling.h"
 
 #include <corvekit/basesettings.h>
 
@@ -9,6 +10,7 @@
 #include <QSettings>
 
 #include <algorithm>
+#include <optional>
 
 namespace {
 
@@ -291,10 +293,12 @@ int runGet(const QStringList &arguments)
     if (parser.isSet(typeOption) && !valueTypes().contains(type))
         return fail(ExitUsage, QStringLiteral("unknown type '%1'; see --help").arg(type));
 
+    std::optional<ProfileStep> step(std::in_place, "open settings");
     BaseSettings settings(parser.value(projectOption));
     if (const QString file = malformedLevel(settings); !file.isEmpty())
         return fail(ExitInvalidInput, QStringLiteral("%1: malformed settings file").arg(file));
 
+    step.emplace("look up");
     const QVariant value = settings.getSetting(key, QVariant());
     const QString level = answeringLevel(settings, key);
     if (level == QLatin1String("none"))
@@ -302,6 +306,7 @@ int runGet(const QStringList &arguments)
     if (parser.isSet(typeOption))
         return printTyped(settings, key, level, type, parser.isSet(jsonOption));
 
+    step.emplace("print");
     const QStringList list = value.toStringList();
     const bool isList = value.userType() == QMetaType::QStringList;
     if (parser.isSet(jsonOption)) {

@@ -1,5 +1,6 @@
 #include "commands.h"
 #include "toolio.h"
+#include "toolprofiling.h"
 
 #include <QCoreApplication>
 
@@ -39,8 +40,10 @@ int main(int argc, char *argv[])
         return ExitSuccess;
     }
     for (const Command &command : commands()) {
-        if (name == QLatin1String(command.name))
+        if (name == QLatin1String(command.name)) {
+            const ToolProfiling profiling(command.name);
             return command.run(arguments);
+        }
     }
     return fail(ExitUsage, QStringLiteral("unknown command '%1'; see 'corvekit --help'").arg(name));
 }

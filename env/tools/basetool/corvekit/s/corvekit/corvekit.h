@@ -9,5 +9,7 @@
 #include "basguitoolnameinfo.h"
 #include "commonlabelmapping.h"
 #include "diagtrace.h"
+#include "profiler.h"
+#include "profilersettings.h"
 
 #endif

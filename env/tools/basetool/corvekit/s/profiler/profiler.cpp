@@ -1,0 +1,189 @@
+#include "profiler.h"
+
+#include "localtime_p.h"
+#include "post_utmsg.h"
+#include "profiletask.h"
+#include "profiletaskindex_p.h"
+
+#include <hulmar/neoform.h>
+#include <hulmar/ut_mem_usage.h>
+#include <hulmar/ut_timer.h>
+
+#include <cstdlib>
+#include <ctime>
+#include <memory>
+
+namespace tivoran::corvekit {
+
+namespace {
+
+// The time text of detail lines. One buffer serves every profiler of the process.
+char timeText[100];
+
+bool switchedOn(const char *variable)
+{
+    const char *value = std::getenv(variable);
+    return value && value[0] == '1';
+}
+
+void hold(const std::vector<ProfileTask *> &tasks)
+{
+    for (ProfileTask *task : tasks)
+        ++task->m_holders;
+}
+
+void letGo(const std::vector<ProfileTask *> &tasks)
+{
+    for (ProfileTask *task : tasks) {
+        if (--task->m_holders == 0)
+            delete task;
+    }
+}
+
+// Posts a detail line: the task's name, the local time and the memory in use in whole MB.
+void postDetail(const char *format, const char *name)
+{
+    const auto megabytes = static_cast<unsigned>(UT_MEM_USAGE::getCurrentMemoryUsage() >> 20);
+    const std::time_t now = std::time(nullptr);
+    std::tm local{};
+    localTime(now, local);
+    std::strftime(timeText, sizeof timeText, "%H:%M:%S", &local);
+    post_utmsg(neoform(format, name, timeText, megabytes));
+}
+
+} // namespace
+
+Profiler::Profiler()
+{
+    m_enabled = switchedOn("ENABLE_GUI_PROFILER");
+    if (m_enabled) {
+        m_detail = switchedOn("ENABLE_GUI_PROFILER_DETAIL");
+        m_index = new ProfileTaskIndex;
+    }
+}
+
+Profiler::Profiler(const Profiler &other)
+    : m_enabled(other.m_enabled)
+    , m_detail(other.m_detail)
+    , m_current(other.m_current)
+    , m_stack(other.m_stack)
+    , m_tasks(other.m_tasks)
+    , m_index(other.m_index ? new ProfileTaskIndex(*other.m_index) : nullptr)
+{
+    hold(m_tasks);
+}
+
+Profiler::~Profiler()
+{
+    clear();
+    delete m_index;
+}
+
+Profiler &Profiler::operator=(const Profiler &other)
+{
+    if (this == &other)
+        return *this;
+    // Everything that can throw comes first, and the records shared with `other` are held
+    // before this object's own are let go.
+    std::unique_ptr<ProfileTaskIndex> index(other.m_index ? new ProfileTaskIndex(*other.m_index)
+                                                          : nullptr);
+    std::deque<ProfileTask *> stack = other.m_stack;
+    std::vector<ProfileTask *> tasks = other.m_tasks;
+    hold(tasks);
+    letGo(m_tasks);
+
+    m_enabled = other.m_enabled;
+    m_detail = other.m_detail;
+    m_current = other.m_current;
+    m_stack.swap(stack);
+    m_tasks.swap(tasks);
+    delete m_index;
+    m_index = index.release();
+    return *this;
+}
+
+void Profiler::startRecord(const char *name)
+{
+    if (!m_enabled)
+        return;
+    if (!name)
+        name = "";
+    std::uint64_t level = 0;
+    if (m_current) {
+        level = m_current->m_level + 1;
+        m_stack.push_back(m_current);
+    }
+    m_current = getTask(name);
+    m_current->m_level = level;
+    if (m_detail)
+        postDetail("[%s] started at %s, Mem %uMB", name);
+    // Measuring starts last, so the detail line falls outside the interval.
+    m_current->m_timer->reset();
+    m_current->m_startMem = static_cast<double>(UT_MEM_USAGE::getCurrentMemoryUsage());
+}
+
+void Profiler::stopRecord()
+{
+    if (!m_enabled || !m_current)
+        return;
+    ProfileTask *task = m_current;
+    task->m_cpuTime += task->m_timer->get_delta_cpu();
+    task->m_realTime += task->m_timer->get_delta_real();
+    task->m_deltaMem +=
+        static_cast<double>(UT_MEM_USAGE::getCurrentMemoryUsage()) - task->m_startMem;
+    if (m_detail)
+        postDetail("[%s] stopped at %s, Mem %uMB", task->m_name.constData());
+    if (m_stack.empty()) {
+        m_current = nullptr;
+    } else {
+        m_current = m_stack.back();
+        m_stack.pop_back();
+    }
+}
+
+void Profiler::setLatestTaskTitle(const char *title)
+{
+    if (!m_enabled || !title || !m_current)
+        return;
+    m_current->m_title = title;
+}
+
+void Profiler::clear()
+{
+    if (!m_enabled)
+        return;
+    m_current = nullptr;
+    m_stack.clear();
+    m_index->clear();
+    std::vector<ProfileTask *> tasks;
+    tasks.swap(m_tasks);
+    letGo(tasks);
+}
+
+bool Profiler::is_enabled()
+{
+    return m_enabled;
+}
+
+ProfileTask *Profiler::getTask(const char *name)
+{
+    if (!m_enabled)
+        return nullptr;
+    if (!name)
+        name = "";
+    if (ProfileTask *found = m_index->find(name))
+        return found;
+
+    std::unique_ptr<ProfileTask> task(new ProfileTask(name));
+    m_tasks.push_back(task.get());
+    try {
+        m_index->insert(task.get());
+    } catch (...) {
+        m_tasks.pop_back();
+        throw;
+    }
+    task->m_holders = 1;
+    return task.release();
+}
+
+} // namespace tivoran::corvekit
