@@ -2,6 +2,8 @@
 #define CORVEKIT_CORVEKIT_H
 
 // Everything the library offers, in one include.
+#include "basepublic.h"
+#include "baseqregularexpression.h"
 #include "basesettings.h"
 #include "basesystem.h"
 #include "diagtrace.h"

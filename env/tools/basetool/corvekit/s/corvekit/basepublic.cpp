@@ -1,0 +1,243 @@
+#include "basepublic.h"
+
+#include "basepublic_p.h"
+
+#include <corvekit/diagtrace.h>
+
+#include <QByteArray>
+#include <QString>
+
+#include <cstring>
+
+using basepublic_p::byteOrder;
+using basepublic_p::isDigit;
+using basepublic_p::mismatch;
+using basepublic_p::runValue;
+using basepublic_p::wrappingDifference;
+
+BasePublic &BasePublic::operator=(const BasePublic &)
+{
+    return *this;
+}
+
+BasePublic &BasePublic::operator=(BasePublic &&) noexcept
+{
+    return *this;
+}
+
+namespace {
+
+/*!
+ * Where two names first differ, backed up to the start of the digit run that reaches that place,
+ * if either name has a digit there. Before that position both names hold the same bytes and every
+ * digit run ends on the same non-digit in both, so no comparator can decide anything there.
+ */
+std::size_t decidingPosition(const char *a, const char *b, std::size_t commonLength)
+{
+    std::size_t position = mismatch(a, b, commonLength);
+    if (isDigit(a[position]) || isDigit(b[position])) {
+        while (position > 0 && isDigit(a[position - 1]))
+            --position;
+    }
+    return position;
+}
+
+} // namespace
+
+int BasePublic::compareAlphaNum(const char *a, const char *b)
+{
+    const std::size_t lengthA = std::strlen(a);
+    const std::size_t lengthB = std::strlen(b);
+    const std::size_t common = lengthA < lengthB ? lengthA : lengthB;
+    const std::size_t first = mismatch(a, b, common);
+
+    std::size_t i = first;
+    if (isDigit(a[i]) || isDigit(b[i])) {
+        while (i > 0 && isDigit(a[i - 1]))
+            --i;
+    }
+    // From here on the walk as it is defined, one byte at a time: equal runs are compared again
+    // from each of their later digits.
+    for (; i < common; ++i) {
+        const char x = a[i];
+        const char y = b[i];
+        const bool digitX = isDigit(x);
+        if (x == y && !digitX)
+            continue;
+        if (digitX && isDigit(y)) {
+            const int valueA = runValue(a + i);
+            const int valueB = runValue(b + i);
+            if (valueA != valueB)
+                return wrappingDifference(valueA, valueB);
+            continue;
+        }
+        // The whole names decide from their first byte, and they first differ at `first`.
+        return byteOrder(a[first], b[first]);
+    }
+    return wrappingDifference(static_cast<int>(lengthA), static_cast<int>(lengthB));
+}
+
+namespace {
+
+// An encoding longer than this does not fit the 2048-byte comparison buffer with its zero byte.
+constexpr std::size_t maxEncodedLength = 2046;
+// The longest encoding of n bytes alternates one-digit runs and other bytes: 5 * ceil(n / 2) +
+// floor(n / 2), which is 2046 for n = 682 and 2051 for n = 683.
+constexpr std::size_t alwaysFits = 682;
+
+std::size_t encodedLength(const char *name)
+{
+    std::size_t length = 0;
+    while (*name) {
+        if (isDigit(*name)) {
+            do {
+                ++name;
+            } while (isDigit(*name));
+            length += 5;
+        } else {
+            ++name;
+            ++length;
+        }
+    }
+    return length;
+}
+
+/*!
+ * The length of \a name if its encoding fits, else -1 after the trace line that refuses it.
+ * Names up to alwaysFits bytes are only measured up to that bound.
+ */
+std::ptrdiff_t acceptedLength(const char *name)
+{
+    const std::size_t bounded = strnlen(name, alwaysFits + 1);
+    if (bounded <= alwaysFits)
+        return static_cast<std::ptrdiff_t>(bounded);
+    if (encodedLength(name) > maxEncodedLength) {
+        const QString text =
+            QStringLiteral(
+                "Buffer overflow, name string %1 is too long (any interger is considered 5 bytes)")
+                .arg(QString::fromUtf8(name));
+        diagTrace(text.toLatin1().constData(), "BasePublic::NameNumCompare");
+        return -1;
+    }
+    return static_cast<std::ptrdiff_t>(std::strlen(name));
+}
+
+/*!
+ * Reads the encoding of a name one byte at a time without writing it out: a non-digit byte is
+ * itself, a digit run the five bytes count (mod 256) and value (mod 2^32, most significant
+ * first), and the end one zero byte.
+ */
+class EncodedName
+{
+public:
+    explicit EncodedName(const char *name)
+        : m_next(reinterpret_cast<const unsigned char *>(name))
+    {
+    }
+
+    bool atRun() const { return m_pending == 0 && isDigit(*m_next); }
+    bool atByte() const { return m_pending == 0 && !isDigit(*m_next); }
+    bool ended() const { return m_ended; }
+
+    // Reads a whole run at once; only when atRun().
+    void readRun(unsigned &count, std::uint32_t &value)
+    {
+        unsigned digits = 0;
+        std::uint32_t number = 0;
+        do {
+            number = number * 10 + (*m_next - '0');
+            ++digits;
+            ++m_next;
+        } while (isDigit(*m_next));
+        count = digits & 0xFF;
+        value = number;
+    }
+
+    unsigned nextByte()
+    {
+        if (m_pending > 0)
+            return m_token[5 - m_pending--];
+        const unsigned byte = *m_next;
+        if (byte == 0) {
+            m_ended = true;
+            return 0;
+        }
+        if (!isDigit(static_cast<unsigned char>(byte))) {
+            ++m_next;
+            return byte;
+        }
+        unsigned count = 0;
+        std::uint32_t value = 0;
+        readRun(count, value);
+        m_token[0] = static_cast<unsigned char>(count);
+        m_token[1] = static_cast<unsigned char>(value >> 24);
+        m_token[2] = static_cast<unsigned char>(value >> 16);
+        m_token[3] = static_cast<unsigned char>(value >> 8);
+        m_token[4] = static_cast<unsigned char>(value);
+        m_pending = 4;
+        return m_token[0];
+    }
+
+private:
+    const unsigned char *m_next;
+    unsigned char m_token[5] = {};
+    int m_pending = 0;
+    bool m_ended = false;
+};
+
+/*!
+ * Compares two encodings from token boundaries that are in step. Whole runs against whole runs
+ * compare as tokens; anything else (a count byte against a plain byte, which can be equal and
+ * put the encodings out of step) goes byte by byte.
+ */
+int compareEncodings(const char *a, const char *b)
+{
+    EncodedName x(a);
+    EncodedName y(b);
+    for (;;) {
+        if (x.atRun() && y.atRun()) {
+            unsigned countX = 0;
+            unsigned countY = 0;
+            std::uint32_t valueX = 0;
+            std::uint32_t valueY = 0;
+            x.readRun(countX, valueX);
+            y.readRun(countY, valueY);
+            if (countX != countY)
+                return countX > countY ? 1 : -1;
+            if (valueX != valueY)
+                return valueX > valueY ? 1 : -1;
+            continue;
+        }
+        const unsigned byteX = x.nextByte();
+        const unsigned byteY = y.nextByte();
+        if (byteX != byteY)
+            return byteX > byteY ? 1 : -1;
+        // The closing zero of the shorter encoding took part; the longer one comes first.
+        if (x.ended() || y.ended()) {
+            if (x.ended() && y.ended())
+                return 0;
+            return x.ended() ? 1 : -1;
+        }
+    }
+}
+
+} // namespace
+
+int BasePublic::compareNameNum(const char *a, const char *b)
+{
+    if (!a || !*a)
+        return -1;
+    if (!b || !*b)
+        return 1;
+    // The length limit comes before any result, so both names are measured first.
+    const std::ptrdiff_t lengthA = acceptedLength(a);
+    if (lengthA < 0)
+        return 0;
+    const std::ptrdiff_t lengthB = acceptedLength(b);
+    if (lengthB < 0)
+        return 0;
+
+    const std::size_t common = static_cast<std::size_t>(lengthA < lengthB ? lengthA : lengthB);
+    const std::size_t start = decidingPosition(a, b, common);
+    return compareEncodings(a + start, b + start);
+}
