@@ -579,7 +579,7 @@ void TestBasePublic::matchesReference()
 void TestBasePublic::ordersHoldWhereDocumented()
 {
     // compareNameNum on non-empty names that fit, and comparePinV on everything (overflowing
-    // runs included): every triple is transitive and the signs antisymmetric.
+    // runs included): irreflexive, antisymmetric in sign, and every triple transitive.
     NameMaker maker(7u);
     std::vector<std::string> names;
     for (int i = 0; i < 70; ++i) {
@@ -621,6 +621,15 @@ void TestBasePublic::ordersHoldWhereDocumented()
     };
     QCOMPARE(violation(BasePublic::compareNameNum), QString());
     QCOMPARE(violation(BasePublic::comparePinV), QString());
+
+    // compareAlphaNum and comparePinH where every run fits an int.
+    names.clear();
+    for (int i = 0; i < 60; ++i)
+        names.push_back(i % 2 ? maker.withRuns(4) : maker.shortName());
+    for (int i = 0; i < 30; ++i)
+        names.push_back(maker.relative(names[static_cast<std::size_t>(i)]));
+    QCOMPARE(violation(BasePublic::compareAlphaNum), QString());
+    QCOMPARE(violation(BasePublic::comparePinH), QString());
 
     // The documented exceptions: an empty name is ordered before itself, and a run that does
     // not fit an int can close a cycle in comparePinH and compareAlphaNum, where the wrapped

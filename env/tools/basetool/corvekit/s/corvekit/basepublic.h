@@ -40,16 +40,15 @@ public:
      * must be shorter than 2^31 bytes.
      *
      * Order properties:
-     * - Where every digit run that the walk reads fits an int (below 2^31 after leading zeros),
-     *   swapping the names flips the sign and zero means identical names.
+     * - Where every digit run fits an int (below 2^31 after its leading zeros), swapping the
+     *   names flips the sign and zero means identical names; on such names no intransitive
+     *   triple is known (all names of up to five bytes over small alphabets of digits, letters
+     *   and separators were checked exhaustively), but that is not proved.
      * - A run that does not fit takes the value that the platform's atoi gives (with glibc, the
      *   value modulo 2^32 for up to 19 significant digits, and -1 beyond), and the difference of
      *   two such values is taken modulo 2^32, as two's complement int arithmetic does: its sign
-     *   can then be wrong, and the order is not transitive. Such names must not be sorted with
-     *   std::sort.
-     * - Even with small numbers, names whose digit runs meet non-digits at the same place (a1b
-     *   against a01b) are decided by bytes, so the order is only safe for std::sort on inputs
-     *   known to be transitive under it; std::stable_sort is always safe.
+     *   can then be wrong, and the order is not transitive (A2147483648 < A0 < A1073741825 <
+     *   A2147483648). std::sort on such names is undefined behaviour; std::stable_sort is safe.
      */
     static int compareAlphaNum(const char *a, const char *b);
 
