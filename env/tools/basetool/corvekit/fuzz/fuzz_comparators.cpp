@@ -38,8 +38,8 @@ void compareAll(const std::string &a, const std::string &b)
 {
     const char *x = a.c_str();
     const char *y = b.c_str();
-    check("compareAlphaNum", BasePublic::compareAlphaNum(x, y), reference::compareAlphaNum(x, y),
-          a, b);
+    check("compareAlphaNum", BasePublic::compareAlphaNum(x, y), reference::compareAlphaNum(x, y), a,
+          b);
     check("compareNameNum", BasePublic::compareNameNum(x, y), reference::compareNameNum(x, y), a,
           b);
     check("comparePinH", BasePublic::comparePinH(x, y), reference::comparePinH(x, y), a, b);

@@ -38,9 +38,10 @@ QStringList sortedWith(Comparator compare, const QStringList &names)
     std::vector<QByteArray> bytes;
     for (const QString &name : names)
         bytes.push_back(name.toLatin1());
-    std::stable_sort(bytes.begin(), bytes.end(), [compare](const QByteArray &a, const QByteArray &b) {
-        return compare(a.constData(), b.constData()) < 0;
-    });
+    std::stable_sort(bytes.begin(), bytes.end(),
+                     [compare](const QByteArray &a, const QByteArray &b) {
+                         return compare(a.constData(), b.constData()) < 0;
+                     });
     QStringList result;
     for (const QByteArray &name : bytes)
         result << QString::fromLatin1(name);
@@ -49,7 +50,8 @@ QStringList sortedWith(Comparator compare, const QStringList &names)
 
 QString hex(const std::string &name)
 {
-    return QString::fromLatin1(QByteArray(name.data(), static_cast<qsizetype>(name.size())).toHex(' '));
+    return QString::fromLatin1(
+        QByteArray(name.data(), static_cast<qsizetype>(name.size())).toHex(' '));
 }
 
 int sign(int value)
@@ -64,10 +66,12 @@ class NameMaker
 public:
     explicit NameMaker(unsigned seed)
         : m_random(seed)
-    {
-    }
+    {}
 
-    int number(int low, int high) { return std::uniform_int_distribution<int>(low, high)(m_random); }
+    int number(int low, int high)
+    {
+        return std::uniform_int_distribution<int>(low, high)(m_random);
+    }
     bool chance(int percent) { return number(1, 100) <= percent; }
 
     char someByte()
@@ -114,9 +118,9 @@ public:
     // Runs whose values lie around 2^31 and 2^32 and beyond what strtol reads.
     std::string overflowing()
     {
-        static const char *const runs[] = {"2147483647", "2147483648", "4294967295", "4294967296",
-                                           "4294967297", "9223372036854775807",
-                                           "9223372036854775808", "99999999999999999999"};
+        static const char *const runs[] = {
+            "2147483647", "2147483648",          "4294967295",          "4294967296",
+            "4294967297", "9223372036854775807", "9223372036854775808", "99999999999999999999"};
         std::string name = chance(70) ? std::string(1, someByte()) : std::string();
         name += chance(60) ? std::string(runs[number(0, 7)]) : digits(number(9, 25));
         if (chance(50))
@@ -130,7 +134,8 @@ public:
     {
         switch (number(0, 3)) {
         case 0:
-            return repeated("1a", number(338, 344)) + std::string(static_cast<std::size_t>(number(0, 8)), 'x');
+            return repeated("1a", number(338, 344)) +
+                   std::string(static_cast<std::size_t>(number(0, 8)), 'x');
         case 1:
             return std::string(static_cast<std::size_t>(number(2040, 2050)), 'n');
         case 2:
@@ -153,7 +158,8 @@ public:
         case 0:
             return prefix + digits(256 * number(1, 2) + number(-1, 1));
         case 1:
-            return prefix + static_cast<char>(number(1, 40)) + (chance(50) ? digits(number(1, 3)) : "");
+            return prefix + static_cast<char>(number(1, 40)) +
+                   (chance(50) ? digits(number(1, 3)) : "");
         default:
             return prefix + digits(number(1, 40)) + (chance(50) ? std::string(1, someByte()) : "");
         }
@@ -164,8 +170,9 @@ public:
     std::string relative(std::string name)
     {
         const auto position = [&] {
-            return name.empty() ? std::size_t(0)
-                                : static_cast<std::size_t>(number(0, static_cast<int>(name.size()) - 1));
+            return name.empty()
+                       ? std::size_t(0)
+                       : static_cast<std::size_t>(number(0, static_cast<int>(name.size()) - 1));
         };
         switch (number(0, 5)) {
         case 0:
@@ -303,8 +310,8 @@ void TestBasePublic::nameNumNullAndEmpty_data()
     QTest::newRow("name null") << false << QByteArray("A1") << true << QByteArray() << 1;
     QTest::newRow("name empty") << false << QByteArray("A1") << false << QByteArray("") << 1;
     // An empty first name is refused before the second is even measured.
-    QTest::newRow("empty overlong") << false << QByteArray("") << false
-                                    << QByteArray(3000, 'n') << -1;
+    QTest::newRow("empty overlong")
+        << false << QByteArray("") << false << QByteArray(3000, 'n') << -1;
     QTest::newRow("overlong null") << false << QByteArray(3000, 'n') << true << QByteArray() << 1;
 }
 
@@ -377,8 +384,8 @@ void TestBasePublic::nameNumLengthLimit_data()
     const QByteArray pairs = QByteArray::fromStdString(repeated("1a", 340));
     QTest::newRow("2046 encoded from 686 bytes") << pairs + "zzzzzz" << pairs + "zzzzzy" << 1;
     QTest::newRow("2047 encoded from 687 bytes") << pairs + "zzzzzzz" << QByteArray("a") << 0;
-    QTest::newRow("682 bytes at most 2046") << QByteArray::fromStdString(repeated("1a", 341))
-                                            << QByteArray("1a") << 1;
+    QTest::newRow("682 bytes at most 2046")
+        << QByteArray::fromStdString(repeated("1a", 341)) << QByteArray("1a") << 1;
     QTest::newRow("683 bytes past the limit")
         << QByteArray::fromStdString(repeated("1a", 341) + "1") << QByteArray("1a") << 0;
     // However long, a run is one five-byte token: 2046 digits have the count byte 254.
@@ -490,14 +497,14 @@ void TestBasePublic::pinEdges_data()
     QTest::newRow("empty letter parts") << QByteArray("12") << QByteArray("3") << 9 << 1;
     QTest::newRow("empty letter parts, equal numbers")
         << QByteArray("07x") << QByteArray("7y") << 0 << 0;
-    QTest::newRow("shorter letter part first")
-        << QByteArray("Z9") << QByteArray("AA1") << -1 << 1;
-    QTest::newRow("letter parts differ by count") << QByteArray("ABC1") << QByteArray("AX1") << 1
-                                                  << 1;
+    QTest::newRow("shorter letter part first") << QByteArray("Z9") << QByteArray("AA1") << -1 << 1;
+    QTest::newRow("letter parts differ by count")
+        << QByteArray("ABC1") << QByteArray("AX1") << 1 << 1;
     QTest::newRow("no number after one") << QByteArray("AB") << QByteArray("AB1") << 1 << -1;
     QTest::newRow("neither has a number") << QByteArray("AC") << QByteArray("AB") << 1 << 1;
-    QTest::newRow("high bytes in the letter part")
-        << QByteArray("\xe9" "1") << QByteArray("z1") << 1 << 1;
+    QTest::newRow("high bytes in the letter part") << QByteArray("\xe9"
+                                                                 "1")
+                                                   << QByteArray("z1") << 1 << 1;
 }
 
 void TestBasePublic::pinEdges()
@@ -605,7 +612,8 @@ void TestBasePublic::ordersHoldWhereDocumented()
                 return QStringLiteral("not irreflexive: ") + hex(names[i]);
             for (std::size_t j = 0; j < n; ++j) {
                 if (table[i * n + j] != -table[j * n + i])
-                    return QStringLiteral("not antisymmetric: %1 | %2").arg(hex(names[i]), hex(names[j]));
+                    return QStringLiteral("not antisymmetric: %1 | %2")
+                        .arg(hex(names[i]), hex(names[j]));
                 for (std::size_t k = 0; k < n; ++k) {
                     // i <= j and j <= k give i <= k, strict where either step is.
                     const int ij = table[i * n + j];

@@ -10,9 +10,11 @@
 #include <cstring>
 
 using basepublic_p::byteOrder;
+using basepublic_p::commonPrefix;
 using basepublic_p::isDigit;
 using basepublic_p::mismatch;
 using basepublic_p::runValue;
+using basepublic_p::shortLength;
 using basepublic_p::wrappingDifference;
 
 BasePublic &BasePublic::operator=(const BasePublic &)
@@ -25,55 +27,48 @@ BasePublic &BasePublic::operator=(BasePublic &&) noexcept
     return *this;
 }
 
-namespace {
-
-/*!
- * Where two names first differ, backed up to the start of the digit run that reaches that place,
- * if either name has a digit there. Before that position both names hold the same bytes and every
- * digit run ends on the same non-digit in both, so no comparator can decide anything there.
- */
-std::size_t decidingPosition(const char *a, const char *b, std::size_t commonLength)
-{
-    std::size_t position = mismatch(a, b, commonLength);
-    if (isDigit(a[position]) || isDigit(b[position])) {
-        while (position > 0 && isDigit(a[position - 1]))
-            --position;
-    }
-    return position;
-}
-
-} // namespace
-
 int BasePublic::compareAlphaNum(const char *a, const char *b)
 {
-    const std::size_t lengthA = std::strlen(a);
-    const std::size_t lengthB = std::strlen(b);
-    const std::size_t common = lengthA < lengthB ? lengthA : lengthB;
-    const std::size_t first = mismatch(a, b, common);
-
-    std::size_t i = first;
-    if (isDigit(a[i]) || isDigit(b[i])) {
-        while (i > 0 && isDigit(a[i - 1]))
-            --i;
+    // Up to the first difference every position goes on: equal non-digits by definition, and
+    // equal digits because their runs are the same bytes up to the same non-digit, or reach the
+    // difference, which is where the walk is resumed from. Only bytes up to the difference are
+    // read, as strcmp does; lengths are taken where the walk ends.
+    const std::size_t first = commonPrefix(a, b);
+    const char x = a[first];
+    const char y = b[first];
+    if (x == y)
+        return 0; // identical names
+    if (!isDigit(x) && !isDigit(y)) {
+        if (x != 0 && y != 0)
+            return byteOrder(x, y); // the whole names first differ here
+        // One name ends here: the walk ends with the difference of the lengths.
+        const std::size_t lengthA = x ? first + std::strlen(a + first) : first;
+        const std::size_t lengthB = y ? first + std::strlen(b + first) : first;
+        return wrappingDifference(static_cast<int>(lengthA), static_cast<int>(lengthB));
     }
-    // From here on the walk as it is defined, one byte at a time: equal runs are compared again
-    // from each of their later digits.
-    for (; i < common; ++i) {
-        const char x = a[i];
-        const char y = b[i];
-        const bool digitX = isDigit(x);
-        if (x == y && !digitX)
+
+    // A digit run reaches the difference: walk as defined from the start of that run, one byte
+    // at a time, so that equal values are compared again from each of their later digits.
+    std::size_t i = first;
+    while (i > 0 && isDigit(a[i - 1]))
+        --i;
+    for (; a[i] != 0 && b[i] != 0; ++i) {
+        const char p = a[i];
+        const char q = b[i];
+        const bool digitP = isDigit(p);
+        if (p == q && !digitP)
             continue;
-        if (digitX && isDigit(y)) {
+        if (digitP && isDigit(q)) {
             const int valueA = runValue(a + i);
             const int valueB = runValue(b + i);
             if (valueA != valueB)
                 return wrappingDifference(valueA, valueB);
             continue;
         }
-        // The whole names decide from their first byte, and they first differ at `first`.
-        return byteOrder(a[first], b[first]);
+        return byteOrder(x, y);
     }
+    const std::size_t lengthA = i + std::strlen(a + i);
+    const std::size_t lengthB = i + std::strlen(b + i);
     return wrappingDifference(static_cast<int>(lengthA), static_cast<int>(lengthB));
 }
 
@@ -108,7 +103,10 @@ std::size_t encodedLength(const char *name)
  */
 std::ptrdiff_t acceptedLength(const char *name)
 {
-    const std::size_t bounded = strnlen(name, alwaysFits + 1);
+    const std::size_t start = shortLength(name);
+    if (start < 16)
+        return static_cast<std::ptrdiff_t>(start);
+    const std::size_t bounded = 16 + strnlen(name + 16, alwaysFits + 1 - 16);
     if (bounded <= alwaysFits)
         return static_cast<std::ptrdiff_t>(bounded);
     if (encodedLength(name) > maxEncodedLength) {
@@ -122,6 +120,22 @@ std::ptrdiff_t acceptedLength(const char *name)
     return static_cast<std::ptrdiff_t>(std::strlen(name));
 }
 
+// The token of the digit run at \a run: its digit count mod 256 and its value mod 2^32.
+// Returns the end of the run.
+inline const char *readRun(const char *run, unsigned &count, std::uint32_t &value)
+{
+    unsigned digits = 0;
+    std::uint32_t number = 0;
+    do {
+        number = number * 10 + static_cast<std::uint32_t>(*run - '0');
+        ++digits;
+        ++run;
+    } while (isDigit(*run));
+    count = digits & 0xFF;
+    value = number;
+    return run;
+}
+
 /*!
  * Reads the encoding of a name one byte at a time without writing it out: a non-digit byte is
  * itself, a digit run the five bytes count (mod 256) and value (mod 2^32, most significant
@@ -132,8 +146,7 @@ class EncodedName
 public:
     explicit EncodedName(const char *name)
         : m_next(reinterpret_cast<const unsigned char *>(name))
-    {
-    }
+    {}
 
     bool atRun() const { return m_pending == 0 && isDigit(*m_next); }
     bool atByte() const { return m_pending == 0 && !isDigit(*m_next); }
@@ -142,15 +155,8 @@ public:
     // Reads a whole run at once; only when atRun().
     void readRun(unsigned &count, std::uint32_t &value)
     {
-        unsigned digits = 0;
-        std::uint32_t number = 0;
-        do {
-            number = number * 10 + (*m_next - '0');
-            ++digits;
-            ++m_next;
-        } while (isDigit(*m_next));
-        count = digits & 0xFF;
-        value = number;
+        m_next = reinterpret_cast<const unsigned char *>(
+            ::readRun(reinterpret_cast<const char *>(m_next), count, value));
     }
 
     unsigned nextByte()
@@ -238,6 +244,44 @@ int BasePublic::compareNameNum(const char *a, const char *b)
         return 0;
 
     const std::size_t common = static_cast<std::size_t>(lengthA < lengthB ? lengthA : lengthB);
-    const std::size_t start = decidingPosition(a, b, common);
+    const std::size_t first = mismatch(a, b, common);
+    const char x = a[first];
+    const char y = b[first];
+    const bool digitX = isDigit(x);
+    const bool digitY = isDigit(y);
+    if (!digitX && !digitY) {
+        // Any run before here ended on the same byte in both names, so the encodings are in
+        // step and these two bytes (one may be the end, encoded as zero) decide.
+        return x == y ? 0 : byteOrder(x, y);
+    }
+
+    // A digit run reaches the difference: its token decides, from the start of the run.
+    std::size_t start = first;
+    while (start > 0 && isDigit(a[start - 1]))
+        --start;
+    unsigned countA = 0;
+    unsigned countB = 0;
+    std::uint32_t valueA = 0;
+    std::uint32_t valueB = 0;
+    if (isDigit(a[start]) && isDigit(b[start])) {
+        readRun(a + start, countA, valueA);
+        readRun(b + start, countB, valueB);
+        if (countA != countB)
+            return countA > countB ? 1 : -1;
+        if (valueA != valueB)
+            return valueA > valueB ? 1 : -1;
+    } else if (digitX) {
+        readRun(a + start, countA, valueA);
+        const unsigned byteB = static_cast<unsigned char>(y);
+        if (countA != byteB)
+            return countA > byteB ? 1 : -1;
+    } else {
+        readRun(b + start, countB, valueB);
+        const unsigned byteA = static_cast<unsigned char>(x);
+        if (byteA != countB)
+            return byteA > countB ? 1 : -1;
+    }
+    // Equal tokens from different text (values that wrapped), or a count byte equal to a plain
+    // byte, which puts the encodings out of step: compare them byte by byte.
     return compareEncodings(a + start, b + start);
 }

@@ -21,25 +21,6 @@ inline bool isDigit(char c)
     return isDigit(static_cast<unsigned char>(c));
 }
 
-/*!
- * atoi of the digit run that starts at \a run. Nine digits cannot overflow an int, so shorter
- * runs are read here; longer ones go to the platform's atoi, whose answer for values beyond an
- * int is its own and must be kept exactly.
- */
-inline int runValue(const char *run)
-{
-    unsigned value = 0;
-    for (int k = 0; k < 9; ++k) {
-        const unsigned digit = static_cast<unsigned char>(run[k]) - unsigned('0');
-        if (digit > 9)
-            return static_cast<int>(value);
-        value = value * 10 + digit;
-    }
-    if (!isDigit(run[9]))
-        return static_cast<int>(value);
-    return std::atoi(run);
-}
-
 // x - y as two's complement int arithmetic gives it, without the undefined overflow.
 inline int wrappingDifference(int x, int y)
 {
@@ -83,6 +64,162 @@ inline std::size_t mismatch(const char *a, const char *b, std::size_t n)
             return i;
     }
     return n;
+}
+
+#if defined(__GNUC__) || defined(__clang__)
+#define CORVEKIT_WORD_SCAN 1
+// An eight-byte load from any address, which the sanitizer leaves alone in the function below.
+using UnalignedWord = std::uint64_t __attribute__((may_alias, aligned(1)));
+#define CORVEKIT_NO_SANITIZE_ADDRESS __attribute__((no_sanitize_address))
+#else
+#define CORVEKIT_WORD_SCAN 0
+#define CORVEKIT_NO_SANITIZE_ADDRESS
+#endif
+
+// Word flags: the high bit of each byte that is zero, or a digit. Each is exact for the lowest
+// flagged byte of a word; false flags can only lie above a true one, which is all a scan needs.
+constexpr std::uint64_t wordOnes = 0x0101010101010101ull;
+constexpr std::uint64_t wordHighs = 0x8080808080808080ull;
+
+inline std::uint64_t zeroBytes(std::uint64_t word)
+{
+    return (word - wordOnes) & ~word & wordHighs;
+}
+
+inline std::uint64_t digitBytes(std::uint64_t word)
+{
+    const std::uint64_t offset = word ^ (wordOnes * '0'); // digits become 0 to 9
+    return (offset - wordOnes * 10) & ~offset & wordHighs;
+}
+
+#if CORVEKIT_WORD_SCAN && defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+#define CORVEKIT_WORD_SCAN_LE 1
+#else
+#define CORVEKIT_WORD_SCAN_LE 0
+#endif
+
+/*!
+ * Word scans over zero-terminated names, as strcmp and strlen do them: eight bytes at a time,
+ * stopping at the first byte that \a wordStop flags (or \a byteStop accepts, near the end of a
+ * page). A load may reach past the zero byte of a name, but never into the next page, so it
+ * cannot fault, and the bytes past the end never decide: every scan stops at the zero byte.
+ * AddressSanitizer is told not to check these loads; Valgrind's memcheck may report them as
+ * reads past a block.
+ */
+template<typename WordStop, typename ByteStop>
+CORVEKIT_NO_SANITIZE_ADDRESS inline std::size_t scanPair(const char *a, const char *b,
+                                                         WordStop wordStop, ByteStop byteStop)
+{
+    std::size_t i = 0;
+#if CORVEKIT_WORD_SCAN_LE
+    constexpr std::uintptr_t page = 4096;
+    for (;;) {
+        const std::uintptr_t roomA = page - (reinterpret_cast<std::uintptr_t>(a + i) & (page - 1));
+        const std::uintptr_t roomB = page - (reinterpret_cast<std::uintptr_t>(b + i) & (page - 1));
+        std::uintptr_t words = (roomA < roomB ? roomA : roomB) / 8;
+        if (words == 0) {
+            // Eight bytes would reach the next page: one byte only.
+            if (byteStop(a[i], b[i]))
+                return i;
+            ++i;
+            continue;
+        }
+        for (; words > 0; --words, i += 8) {
+            const std::uint64_t x = *reinterpret_cast<const UnalignedWord *>(a + i);
+            const std::uint64_t y = *reinterpret_cast<const UnalignedWord *>(b + i);
+            if (const std::uint64_t stop = wordStop(x, y))
+                return i + lowestSetBit(stop) / 8;
+        }
+    }
+#else
+    (void)wordStop;
+    while (!byteStop(a[i], b[i]))
+        ++i;
+    return i;
+#endif
+}
+
+// The first index at which \a a and \a b differ or both end.
+inline std::size_t commonPrefix(const char *a, const char *b)
+{
+    return scanPair(
+        a, b, [](std::uint64_t x, std::uint64_t y) { return (x ^ y) | zeroBytes(x); },
+        [](char x, char y) { return x != y || x == 0; });
+}
+
+// The first index at which \a a and \a b differ, both end, or both hold a digit. Pin names
+// stop within their first bytes, which are looked at one by one before any word is loaded.
+inline std::size_t commonLetters(const char *a, const char *b)
+{
+    for (std::size_t i = 0; i < 3; ++i) {
+        const char x = a[i];
+        if (x != b[i] || x == 0 || isDigit(x))
+            return i;
+    }
+    return 3 + scanPair(
+                   a + 3, b + 3,
+                   [](std::uint64_t x, std::uint64_t y) {
+                       return (x ^ y) | zeroBytes(x) | digitBytes(x);
+                   },
+                   [](char x, char y) { return x != y || x == 0 || isDigit(x); });
+}
+
+// The number of bytes before the first digit of \a name, or its length if it has none.
+inline std::size_t letterLength(const char *name)
+{
+    for (std::size_t i = 0; i < 3; ++i) {
+        const char x = name[i];
+        if (x == 0 || isDigit(x))
+            return i;
+    }
+    // The same name on both sides: the scan stops where the name does.
+    return 3 + scanPair(
+                   name + 3, name + 3,
+                   [](std::uint64_t x, std::uint64_t) { return zeroBytes(x) | digitBytes(x); },
+                   [](char x, char) { return x == 0 || isDigit(x); });
+}
+
+/*!
+ * atoi of the digit run that starts at \a run. Nine digits cannot overflow an int, so shorter
+ * runs are read here; longer ones go to the platform's atoi, whose answer for values beyond an
+ * int is its own and must be kept exactly.
+ */
+inline int runValue(const char *run)
+{
+    unsigned value = 0;
+    for (int k = 0; k < 9; ++k) {
+        const unsigned digit = static_cast<unsigned char>(run[k]) - unsigned('0');
+        if (digit > 9)
+            return static_cast<int>(value);
+        value = value * 10 + digit;
+    }
+    if (!isDigit(run[9]))
+        return static_cast<int>(value);
+    return std::atoi(run);
+}
+
+/*!
+ * The length of \a name if it is shorter than 16 bytes, else 16: two word loads where the page
+ * allows, so that pin names are measured without a call.
+ */
+CORVEKIT_NO_SANITIZE_ADDRESS inline std::size_t shortLength(const char *name)
+{
+#if CORVEKIT_WORD_SCAN_LE
+    if (4096 - (reinterpret_cast<std::uintptr_t>(name) & 4095) >= 16) {
+        const std::uint64_t first = *reinterpret_cast<const UnalignedWord *>(name);
+        if (const std::uint64_t zero = zeroBytes(first))
+            return lowestSetBit(zero) / 8;
+        const std::uint64_t second = *reinterpret_cast<const UnalignedWord *>(name + 8);
+        if (const std::uint64_t zero = zeroBytes(second))
+            return 8 + lowestSetBit(zero) / 8;
+        return 16;
+    }
+#endif
+    for (std::size_t i = 0; i < 16; ++i) {
+        if (name[i] == 0)
+            return i;
+    }
+    return 16;
 }
 
 // -1 or 1 from two bytes known to differ, compared unsigned.

@@ -5,7 +5,9 @@
 #include <cstring>
 
 using basepublic_p::byteOrder;
+using basepublic_p::commonLetters;
 using basepublic_p::isDigit;
+using basepublic_p::letterLength;
 using basepublic_p::runValue;
 using basepublic_p::wrappingDifference;
 
@@ -14,13 +16,8 @@ namespace {
 // The first digit at or after \a name, or null if the name has none left.
 const char *nextDigit(const char *name)
 {
-    for (;; ++name) {
-        const char c = *name;
-        if (isDigit(c))
-            return name;
-        if (c == 0)
-            return nullptr;
-    }
+    const char *digit = name + letterLength(name);
+    return *digit ? digit : nullptr;
 }
 
 } // namespace
@@ -28,12 +25,7 @@ const char *nextDigit(const char *name)
 int BasePublic::comparePinH(const char *a, const char *b)
 {
     // Equal non-digits go on; the walk stops at the first digit even where both names have it.
-    std::size_t i = 0;
-    for (;; ++i) {
-        const char x = a[i];
-        if (x != b[i] || x == 0 || isDigit(x))
-            break;
-    }
+    const std::size_t i = commonLetters(a, b);
     const char x = a[i];
     const char y = b[i];
     const bool digitX = isDigit(x);
@@ -65,12 +57,8 @@ int BasePublic::comparePinH(const char *a, const char *b)
 
 int BasePublic::comparePinV(const char *a, const char *b)
 {
-    std::size_t letterA = 0;
-    while (a[letterA] && !isDigit(a[letterA]))
-        ++letterA;
-    std::size_t letterB = 0;
-    while (b[letterB] && !isDigit(b[letterB]))
-        ++letterB;
+    const std::size_t letterA = letterLength(a);
+    const std::size_t letterB = letterLength(b);
 
     const int numberA = a[letterA] ? runValue(a + letterA) : 0;
     const int numberB = b[letterB] ? runValue(b + letterB) : 0;
