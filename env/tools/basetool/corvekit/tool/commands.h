@@ -17,5 +17,7 @@ const QList<Command> &commands();
 
 int runEnv(const QStringList &arguments);
 int runSettings(const QStringList &arguments);
+int runSort(const QStringList &arguments);
+int runWildcard(const QStringList &arguments);
 
 #endif
