@@ -12,9 +12,7 @@
 using basepublic_p::byteOrder;
 using basepublic_p::commonPrefix;
 using basepublic_p::isDigit;
-using basepublic_p::mismatch;
 using basepublic_p::runValue;
-using basepublic_p::shortLength;
 using basepublic_p::wrappingDifference;
 
 BasePublic &BasePublic::operator=(const BasePublic &)
@@ -98,26 +96,31 @@ std::size_t encodedLength(const char *name)
 }
 
 /*!
- * The length of \a name if its encoding fits, else -1 after the trace line that refuses it.
- * Names up to alwaysFits bytes are only measured up to that bound.
+ * Whether a name longer than alwaysFits bytes fits its buffer; if not, the trace line that
+ * refuses it. Out of line: the common path of a comparison never gets here.
  */
-std::ptrdiff_t acceptedLength(const char *name)
+[[gnu::noinline, gnu::cold]] bool acceptedLongName(const char *name)
 {
-    const std::size_t start = shortLength(name);
-    if (start < 16)
-        return static_cast<std::ptrdiff_t>(start);
-    const std::size_t bounded = 16 + strnlen(name + 16, alwaysFits + 1 - 16);
-    if (bounded <= alwaysFits)
-        return static_cast<std::ptrdiff_t>(bounded);
-    if (encodedLength(name) > maxEncodedLength) {
-        const QString text =
-            QStringLiteral(
-                "Buffer overflow, name string %1 is too long (any interger is considered 5 bytes)")
-                .arg(QString::fromUtf8(name));
-        diagTrace(text.toLatin1().constData(), "BasePublic::NameNumCompare");
-        return -1;
-    }
-    return static_cast<std::ptrdiff_t>(std::strlen(name));
+    if (encodedLength(name) <= maxEncodedLength)
+        return true;
+    const QString text =
+        QStringLiteral(
+            "Buffer overflow, name string %1 is too long (any interger is considered 5 bytes)")
+            .arg(QString::fromUtf8(name));
+    diagTrace(text.toLatin1().constData(), "BasePublic::NameNumCompare");
+    return false;
+}
+
+/*!
+ * Whether the encoding of \a name fits its buffer; if not, the trace line that refuses it. The
+ * first \a known bytes are known not to end the name. A name of up to alwaysFits bytes always
+ * fits, so it is measured only up to that bound.
+ */
+inline bool accepted(const char *name, std::size_t known)
+{
+    if (known <= alwaysFits && known + strnlen(name + known, alwaysFits + 1 - known) <= alwaysFits)
+        return true;
+    return acceptedLongName(name);
 }
 
 // The token of the digit run at \a run: its digit count mod 256 and its value mod 2^32.
@@ -235,16 +238,14 @@ int BasePublic::compareNameNum(const char *a, const char *b)
         return -1;
     if (!b || !*b)
         return 1;
-    // The length limit comes before any result, so both names are measured first.
-    const std::ptrdiff_t lengthA = acceptedLength(a);
-    if (lengthA < 0)
+    // The length limit comes before any result, so both names are measured first: from where
+    // they first differ on, since up to there each is as long as the other.
+    const std::size_t first = commonPrefix(a, b);
+    if (!accepted(a, first))
         return 0;
-    const std::ptrdiff_t lengthB = acceptedLength(b);
-    if (lengthB < 0)
+    if (!accepted(b, first))
         return 0;
 
-    const std::size_t common = static_cast<std::size_t>(lengthA < lengthB ? lengthA : lengthB);
-    const std::size_t first = mismatch(a, b, common);
     const char x = a[first];
     const char y = b[first];
     const bool digitX = isDigit(x);

@@ -41,31 +41,6 @@ inline unsigned lowestSetBit(std::uint64_t word)
 #endif
 }
 
-/*!
- * The first index below \a n at which \a a and \a b differ, or \a n. Both must hold at least
- * \a n readable bytes. Eight bytes at a time where the byte order lets the lowest differing bit
- * name the first differing byte.
- */
-inline std::size_t mismatch(const char *a, const char *b, std::size_t n)
-{
-    std::size_t i = 0;
-#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
-    for (; i + 8 <= n; i += 8) {
-        std::uint64_t x;
-        std::uint64_t y;
-        std::memcpy(&x, a + i, 8);
-        std::memcpy(&y, b + i, 8);
-        if (const std::uint64_t difference = x ^ y)
-            return i + lowestSetBit(difference) / 8;
-    }
-#endif
-    for (; i < n; ++i) {
-        if (a[i] != b[i])
-            return i;
-    }
-    return n;
-}
-
 #if defined(__GNUC__) || defined(__clang__)
 #define CORVEKIT_WORD_SCAN 1
 #define CORVEKIT_NO_SANITIZE_ADDRESS __attribute__((no_sanitize_address))
@@ -202,30 +177,6 @@ inline int runValue(const char *run)
     if (!isDigit(run[9]))
         return static_cast<int>(value);
     return std::atoi(run);
-}
-
-/*!
- * The length of \a name if it is shorter than 16 bytes, else 16: two word loads where the page
- * allows, so that pin names are measured without a call.
- */
-CORVEKIT_NO_SANITIZE_ADDRESS inline std::size_t shortLength(const char *name)
-{
-#if CORVEKIT_WORD_SCAN_LE
-    if (4096 - (reinterpret_cast<std::uintptr_t>(name) & 4095) >= 16) {
-        const std::uint64_t first = loadWord(name);
-        if (const std::uint64_t zero = zeroBytes(first))
-            return lowestSetBit(zero) / 8;
-        const std::uint64_t second = loadWord(name + 8);
-        if (const std::uint64_t zero = zeroBytes(second))
-            return 8 + lowestSetBit(zero) / 8;
-        return 16;
-    }
-#endif
-    for (std::size_t i = 0; i < 16; ++i) {
-        if (name[i] == 0)
-            return i;
-    }
-    return 16;
 }
 
 // -1 or 1 from two bytes known to differ, compared unsigned.
