@@ -128,36 +128,22 @@ inline std::size_t commonPrefix(const char *a, const char *b)
         [](char x, char y) { return x != y || x == 0; });
 }
 
-// The first index at which \a a and \a b differ, both end, or both hold a digit. Pin names
-// stop within their first bytes, which are looked at one by one before any word is loaded.
+// The first index at which \a a and \a b differ, both end, or both hold a digit.
 inline std::size_t commonLetters(const char *a, const char *b)
 {
-    for (std::size_t i = 0; i < 3; ++i) {
-        const char x = a[i];
-        if (x != b[i] || x == 0 || isDigit(x))
-            return i;
-    }
-    return 3 + scanPair(
-                   a + 3, b + 3,
-                   [](std::uint64_t x, std::uint64_t y) {
-                       return (x ^ y) | zeroBytes(x) | digitBytes(x);
-                   },
-                   [](char x, char y) { return x != y || x == 0 || isDigit(x); });
+    return scanPair(
+        a, b,
+        [](std::uint64_t x, std::uint64_t y) { return (x ^ y) | zeroBytes(x) | digitBytes(x); },
+        [](char x, char y) { return x != y || x == 0 || isDigit(x); });
 }
 
 // The number of bytes before the first digit of \a name, or its length if it has none.
 inline std::size_t letterLength(const char *name)
 {
-    for (std::size_t i = 0; i < 3; ++i) {
-        const char x = name[i];
-        if (x == 0 || isDigit(x))
-            return i;
-    }
     // The same name on both sides: the scan stops where the name does.
-    return 3 + scanPair(
-                   name + 3, name + 3,
-                   [](std::uint64_t x, std::uint64_t) { return zeroBytes(x) | digitBytes(x); },
-                   [](char x, char) { return x == 0 || isDigit(x); });
+    return scanPair(
+        name, name, [](std::uint64_t x, std::uint64_t) { return zeroBytes(x) | digitBytes(x); },
+        [](char x, char) { return x == 0 || isDigit(x); });
 }
 
 /*!
