@@ -661,6 +661,7 @@ void TestBasePublic::stableSortSurvivesEveryInput()
     // still stays inside the range (the sanitizer build checks that) and keeps every name.
     NameMaker maker(99u);
     std::vector<std::string> names;
+    names.reserve(3002);
     for (int i = 0; i < 3000; ++i)
         names.push_back(i % 2 ? maker.overflowing() : maker.countEdges());
     names.push_back(std::string());
@@ -668,11 +669,13 @@ void TestBasePublic::stableSortSurvivesEveryInput()
     for (Comparator compare : {BasePublic::compareAlphaNum, BasePublic::compareNameNum,
                                BasePublic::comparePinH, BasePublic::comparePinV}) {
         std::vector<const char *> pointers;
+        pointers.reserve(names.size());
         for (const std::string &name : names)
             pointers.push_back(name.c_str());
         std::stable_sort(pointers.begin(), pointers.end(),
                          [compare](const char *a, const char *b) { return compare(a, b) < 0; });
         std::vector<const char *> original;
+        original.reserve(names.size());
         for (const std::string &name : names)
             original.push_back(name.c_str());
         std::sort(pointers.begin(), pointers.end());

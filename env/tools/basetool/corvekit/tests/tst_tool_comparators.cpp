@@ -10,7 +10,10 @@
 
 namespace {
 
-const QString toolPath = QStringLiteral(CORVEKIT_TOOL_PATH);
+QString toolPath()
+{
+    return QStringLiteral(CORVEKIT_TOOL_PATH);
+}
 
 } // namespace
 
@@ -46,7 +49,7 @@ void TestToolComparators::init()
 
 ChildResult TestToolComparators::run(const QStringList &arguments, const QByteArray &input)
 {
-    return runProgram(toolPath, arguments, cleanEnvironment(m_home.path()), m_home.path(), input);
+    return runProgram(toolPath(), arguments, cleanEnvironment(m_home.path()), m_home.path(), input);
 }
 
 void TestToolComparators::sortOrders_data()
