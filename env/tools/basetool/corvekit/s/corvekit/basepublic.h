@@ -12,6 +12,10 @@
  * non-digit. There is no locale and no case folding. None allocates memory on its normal path or
  * touches shared state, so any number of threads may call them at once.
  *
+ * Names are scanned eight bytes at a time: a scan may load up to seven bytes past the zero byte of
+ * a name, never into the next memory page, and those bytes never affect a result. Valgrind's
+ * memcheck may report such loads as reads past a block.
+ *
  * A negative result puts the first name before the second, a positive one after it. Callers rely
  * on the sign alone.
  *
