@@ -49,7 +49,7 @@ public:
      *   triple is known (all names of up to five bytes over small alphabets of digits, letters
      *   and separators were checked exhaustively), but that is not proved.
      * - A run that does not fit takes the value that the platform's atoi gives (with glibc, the
-     *   value modulo 2^32 for up to 19 significant digits, and -1 beyond), and the difference of
+     *   value modulo 2^32 up to 2^63 - 1, and -1 beyond), and the difference of
      *   two such values is taken modulo 2^32, as two's complement int arithmetic does: its sign
      *   can then be wrong, and the order is not transitive (A2147483648 < A0 < A1073741825 <
      *   A2147483648). std::sort on such names is undefined behaviour; std::stable_sort is safe.
