@@ -55,3 +55,10 @@ run filter netlist "Netlists" --project "$demo/project/"
 echo
 echo "(with ENABLE_GUI_PROFILER=1)"
 ENABLE_GUI_PROFILER=1 run settings get DEFAULT_DEVICE_FAMILY --project "$demo/project/" 2>&1
+# Names and pins: a BGA pin list row by row and column by column, net names in natural order,
+# and a wildcard pattern with the names it matches as whole names.
+run sort --by pinh project/bga-pins.txt
+run sort --by pinv project/bga-pins.txt
+run sort project/nets.txt
+run wildcard 'u_fifo_*/wr_ptr_reg[?]' 'u_fifo_rx/wr_ptr_reg[3]' 'u_fifo_rx/wr_ptr_reg[12]' \
+    'u_fifo_tx/wr_ptr_reg[5]' 'u_fifo_rx/rd_ptr_reg[3]'

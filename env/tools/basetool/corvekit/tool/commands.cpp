@@ -9,6 +9,8 @@ const QList<Command> &commands()
         {"tools", "where the companion tools lie and which simulator is selected", runTools},
         {"filter", "the extensions and the file dialog filter of a file type", runFilter},
         {"label", "the text shown for a label key, or the whole label table", runLabel},
+        {"sort", "sort names or pins in a name or pin order", runSort},
+        {"wildcard", "translate a wildcard pattern and match names with it", runWildcard},
     };
     return all;
 }

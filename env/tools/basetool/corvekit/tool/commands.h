@@ -24,4 +24,8 @@ int runVersion(const QStringList &arguments);
 int runTools(const QStringList &arguments);
 int runFilter(const QStringList &arguments);
 
+// Name and pin ordering and wildcard patterns.
+int runSort(const QStringList &arguments);
+int runWildcard(const QStringList &arguments);
+
 #endif

@@ -3,6 +3,8 @@
 
 // Everything the library offers, in one include.
 #include "baseprjsettings.h"
+#include "basepublic.h"
+#include "baseqregularexpression.h"
 #include "basesettings.h"
 #include "basesystem.h"
 #include "baseusrsettings.h"
