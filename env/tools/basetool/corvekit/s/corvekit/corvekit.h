@@ -5,5 +5,6 @@
 #include "basesettings.h"
 #include "basesystem.h"
 #include "diagtrace.h"
+#include "helpindexreader.h"
 
 #endif

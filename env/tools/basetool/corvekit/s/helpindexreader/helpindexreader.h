@@ -1,0 +1,153 @@
+#ifndef CORVEKIT_HELPINDEXREADER_H
+#define CORVEKIT_HELPINDEXREADER_H
+
+#include "corvekit_export.h"
+
+#include <QMap>
+#include <QString>
+#include <QXmlStreamReader>
+
+/*!
+ * Answers what a help index says about a tool, a view or a dialog.
+ *
+ * A help index is an XML file: a "helpIndex" document element with version "1.0", holding
+ * "tool" elements; a tool holds "view", "dialog", "whatsthis", "tooltip" and "description"
+ * elements, a dialog holds "text", "whatsthis", "tooltip" and "description". The reader pulls
+ * the file with QXmlStreamReader and builds no tree: one pass stores only what belongs to the
+ * one tool or dialog it seeks and stops as soon as that is complete.
+ *
+ * What the latest pass stored stays in the object as a cache of one entry: a query about the same
+ * tool at the same level, or about the same dialog, is answered without touching the device. Any
+ * other query wipes the entry, rewinds the device and parses it again from its start.
+ *
+ * Usage: construct, setDevice() with a device open for reading that allows QIODevice::reset(),
+ * then query. The device belongs to the caller and must outlive the queries. A query that has no
+ * answer returns a null QString (isMyHelpIdx() and dump() false); error() and errorString() of
+ * the base then tell why, until the next pass.
+ *
+ * Hostile input ends a pass in an error state, never in a crash, a hang or unbounded memory:
+ * - Elements are skipped with a depth counter, so the machine stack does not grow with the
+ *   nesting of the file.
+ * - A second DTD, or a DTD after the document element has started, ends the pass with a custom
+ *   error: XML allows one DTD, before the document element, and the stream reader of Qt 6.4 can
+ *   loop on files that declare entities again in the body.
+ * - The characters that entity references may add to one document are bounded by
+ *   entityExpansionBudget(). The stream reader expands an internal entity in place, so a file of
+ *   300 KB that references a 4,000-character entity 100,000 times in one text would make a
+ *   single token of 400 million characters. At the DTD the reader counts the references that the
+ *   file can hold (from its bytes, without decoding) and multiplies by the longest replacement
+ *   text; above the budget the pass ends with a custom error before anything is expanded. A
+ *   real index cannot reach the budget: the suite's indexes declare no entities, and one that
+ *   used entities for product names (tens of characters) would need some hundred thousand
+ *   references per megabyte of file to come near it. Predefined entities and character
+ *   references add nothing and are not counted.
+ *
+ * One object and its device serve one thread at a time.
+ */
+class CORVEKIT_EXPORT HelpIndexReader : public QXmlStreamReader
+{
+public:
+    HelpIndexReader();
+    ~HelpIndexReader();
+
+    HelpIndexReader(const HelpIndexReader &) = delete;
+    HelpIndexReader &operator=(const HelpIndexReader &) = delete;
+
+    //! True if the file holds a "tool" called \a toolName and the pass met no error before it.
+    bool isMyHelpIdx(const char *toolName);
+    /*!
+     * Walks the file from where the stream stands and stores nothing; true if no error was met.
+     * On a reader that has just had its device installed this validates the whole file; after a
+     * query it reads nothing and repeats the verdict that error() holds.
+     */
+    bool dump();
+
+    QString getToolHelp(const char *toolName);
+    QString getViewHelp(const char *toolName, const char *viewName);
+    QString getDlgHelp(const char *toolName, const char *dialogName);
+    QString getDlgText(const char *toolName, const char *dialogName);
+
+    /*!
+     * With \a item null, the item called \a dialogOrItem of the tool; otherwise the item \a item
+     * of the dialog \a dialogOrItem. Only a null pointer selects the tool level.
+     */
+    QString getWhatsThisText(const char *toolName, const char *dialogOrItem,
+                             const char *item = nullptr);
+    QString getToolTipText(const char *toolName, const char *dialogOrItem,
+                           const char *item = nullptr);
+    QString getDescription(const char *toolName, const char *dialogOrItem,
+                           const char *item = nullptr);
+    //! The "href" under that name; at tool level a "view" of that name answers too.
+    QString getDescriptionUrl(const char *toolName, const char *dialogOrItem,
+                              const char *item = nullptr);
+
+    /*!
+     * The most characters that entity references may add to one document before a pass ends in
+     * an error (16 Mi characters, 32 MiB of text).
+     */
+    static constexpr qint64 entityExpansionBudget() { return qint64(1) << 24; }
+
+private:
+    friend class HelpIndexReaderProbe; // test access to the stored entry
+
+    enum MatchType : int
+    {
+        MatchNone = 0,       //!< walks to the end of the document, stores nothing
+        MatchToolName = 1,   //!< stops on the start tag of the first tool of the name
+        MatchToolHelp = 2,   //!< stores the first tool of the name, up to its end tag
+        MatchDialogHelp = 3, //!< stores the first dialog of the name in a tool of the name
+    };
+
+    // --- One pass ----------------------------------------------------------------------------
+    void read(MatchType matchType, const char *toolName, const char *dialogName);
+    void readHelpIdx(MatchType matchType, const char *toolName, const char *dialogName);
+    void readTool(MatchType matchType, const char *toolName, const char *dialogName);
+    void readDialog(MatchType matchType, const char *dialogName);
+    void readView(QString &name, QString &href);
+    void readWhatsThis(QString &name, QString &text);
+    void readTooltip(QString &name, QString &text);
+    void readDescrption(QString &name, QString &href, QString &text);
+    QString readText();
+    void readUnknownElement();
+
+    // Steps of a pass that keep hostile input bounded; see the class comment.
+    void raiseMisplacedDtd();
+    void checkEntityExpansion();
+    void skipCharacterData();
+    void failAsElementText(qint64 startOffset);
+
+    // --- The cache entry ---------------------------------------------------------------------
+    bool holdsToolLevel(const char *toolName) const;
+    bool holdsDialogLevel(const char *toolName, const char *dialogName) const;
+    bool reachToolLevel(const char *toolName);
+    bool reachDialogLevel(const char *toolName, const char *dialogName);
+    QString itemFrom(const QMap<QString, QString> &map, const char *toolName,
+                     const char *dialogOrItem, const char *item);
+    void clean();
+    void reset();
+
+    MatchType m_matchType;
+    QString m_toolName;
+    QString m_dialogName;
+    bool m_found;
+    QString m_helpUrl;
+    QString m_dialogText;
+    QMap<QString, QString> m_urlMap; // "view" and "description" alike
+    QMap<QString, QString> m_whatsThisMap;
+    QMap<QString, QString> m_toolTipMap;
+    QMap<QString, QString> m_descriptionMap;
+
+    static const char *const m_helpIdxXmlName;
+    static const char *const m_toolXmlName;
+    static const char *const m_viewXmlName;
+    static const char *const m_dialogXmlName;
+    static const char *const m_textXmlName;
+    static const char *const m_whatsThisXmlName;
+    static const char *const m_tooltipXmlName;
+    static const char *const m_despXmlName;
+    static const char *const m_hrefXmlName;
+    static const char *const m_nameXmlName;
+    static const char *const m_versionXmlName;
+};
+
+#endif
