@@ -20,6 +20,22 @@ const char *const HelpIndexReader::m_versionXmlName = "version";
 using corvekit::detail::isNamed;
 using corvekit::detail::sameName;
 
+namespace {
+
+// What a pass stores is never null, so that a hit on an element without the attribute or text
+// ("") stays apart from a miss (null).
+QString stored(QString text)
+{
+    return text.isNull() ? QStringLiteral("") : text;
+}
+
+QString attribute(const QXmlStreamAttributes &attributes, const char *name)
+{
+    return stored(attributes.value(QLatin1String(name)).toString());
+}
+
+} // namespace
+
 void HelpIndexReader::read(MatchType matchType, const char *toolName, const char *dialogName)
 {
     if (!m_found) {
@@ -86,7 +102,7 @@ void HelpIndexReader::readTool(MatchType matchType, const char *toolName, const 
     }
     const bool storing = matchType == MatchToolHelp && m_found;
     if (storing)
-        m_helpUrl = attributes.value(QLatin1String(m_hrefXmlName)).toString();
+        m_helpUrl = attribute(attributes, m_hrefXmlName);
     const bool seekDialog = matchType == MatchDialogHelp && isSought;
 
     QString itemName;
@@ -154,8 +170,10 @@ void HelpIndexReader::readDialog(MatchType matchType, const char *dialogName)
         m_found = true;
     }
     const bool storing = matchType == MatchDialogHelp && m_found;
-    if (storing)
-        m_helpUrl = attributes.value(QLatin1String(m_hrefXmlName)).toString();
+    if (storing) {
+        m_helpUrl = attribute(attributes, m_hrefXmlName);
+        m_dialogText = QStringLiteral(""); // a dialog without "text" has an empty one
+    }
 
     QString itemName;
     QString href;
@@ -195,34 +213,34 @@ void HelpIndexReader::readDialog(MatchType matchType, const char *dialogName)
 void HelpIndexReader::readView(QString &name, QString &href)
 {
     const QXmlStreamAttributes attributes = this->attributes();
-    name = attributes.value(QLatin1String(m_nameXmlName)).toString();
-    href = attributes.value(QLatin1String(m_hrefXmlName)).toString();
+    name = attribute(attributes, m_nameXmlName);
+    href = attribute(attributes, m_hrefXmlName);
     readElementText(ErrorOnUnexpectedElement);
 }
 
 void HelpIndexReader::readWhatsThis(QString &name, QString &text)
 {
-    name = attributes().value(QLatin1String(m_nameXmlName)).toString();
-    text = readElementText(ErrorOnUnexpectedElement).simplified();
+    name = attribute(attributes(), m_nameXmlName);
+    text = stored(readElementText(ErrorOnUnexpectedElement).simplified());
 }
 
 void HelpIndexReader::readTooltip(QString &name, QString &text)
 {
-    name = attributes().value(QLatin1String(m_nameXmlName)).toString();
-    text = readElementText(ErrorOnUnexpectedElement).simplified();
+    name = attribute(attributes(), m_nameXmlName);
+    text = stored(readElementText(ErrorOnUnexpectedElement).simplified());
 }
 
 void HelpIndexReader::readDescrption(QString &name, QString &href, QString &text)
 {
     const QXmlStreamAttributes attributes = this->attributes();
-    name = attributes.value(QLatin1String(m_nameXmlName)).toString();
-    href = attributes.value(QLatin1String(m_hrefXmlName)).toString();
-    text = readElementText(ErrorOnUnexpectedElement).simplified();
+    name = attribute(attributes, m_nameXmlName);
+    href = attribute(attributes, m_hrefXmlName);
+    text = stored(readElementText(ErrorOnUnexpectedElement).simplified());
 }
 
 QString HelpIndexReader::readText()
 {
-    return readElementText(ErrorOnUnexpectedElement).simplified();
+    return stored(readElementText(ErrorOnUnexpectedElement).simplified());
 }
 
 void HelpIndexReader::readUnknownElement()

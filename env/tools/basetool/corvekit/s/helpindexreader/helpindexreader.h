@@ -23,7 +23,8 @@
  * Usage: construct, setDevice() with a device open for reading that allows QIODevice::reset(),
  * then query. The device belongs to the caller and must outlive the queries. A query that has no
  * answer returns a null QString (isMyHelpIdx() and dump() false); error() and errorString() of
- * the base then tell why, until the next pass.
+ * the base then tell why, until the next pass. An answer is never null: an element found without
+ * the attribute or text asked for answers with an empty, not null, QString.
  *
  * Hostile input ends a pass in an error state, never in a crash, a hang or unbounded memory:
  * - Elements are skipped with a depth counter, so the machine stack does not grow with the
@@ -34,13 +35,14 @@
  * - The characters that entity references may add to one document are bounded by
  *   entityExpansionBudget(). The stream reader expands an internal entity in place, so a file of
  *   300 KB that references a 4,000-character entity 100,000 times in one text would make a
- *   single token of 400 million characters. At the DTD the reader counts the references that the
- *   file can hold (from its bytes, without decoding) and multiplies by the longest replacement
- *   text; above the budget the pass ends with a custom error before anything is expanded. A
- *   real index cannot reach the budget: the suite's indexes declare no entities, and one that
- *   used entities for product names (tens of characters) would need some hundred thousand
- *   references per megabyte of file to come near it. Predefined entities and character
- *   references add nothing and are not counted.
+ *   single token of 400 million characters, and every pass would build it again. At the DTD the
+ *   reader counts the references that the file can hold (from its bytes, without decoding) and
+ *   multiplies by the longest replacement text; above the budget the pass ends with a custom
+ *   error before anything is expanded. Predefined entities and character references add nothing
+ *   and are not counted. The budget cannot reject a real index: it grows with the file, and an
+ *   index would have to gain more than four times its own size through entities, in which a
+ *   reference of at least three bytes stands for a product name or the like of some tens of
+ *   characters in some of its texts; the suite's indexes declare no entities at all.
  *
  * One object and its device serve one thread at a time.
  */
@@ -82,10 +84,13 @@ public:
                               const char *item = nullptr);
 
     /*!
-     * The most characters that entity references may add to one document before a pass ends in
-     * an error (16 Mi characters, 32 MiB of text).
+     * The most characters that entity references may add to a document of \a fileSize bytes
+     * before a pass ends in an error: 1 Mi characters and four more for each byte of the file.
      */
-    static constexpr qint64 entityExpansionBudget() { return qint64(1) << 24; }
+    static constexpr qint64 entityExpansionBudget(qint64 fileSize)
+    {
+        return (qint64(1) << 20) + 4 * fileSize;
+    }
 
 private:
     friend class HelpIndexReaderProbe; // test access to the stored entry

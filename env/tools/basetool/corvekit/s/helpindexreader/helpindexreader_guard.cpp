@@ -101,17 +101,18 @@ void HelpIndexReader::checkEntityExpansion()
     if (longest == 0)
         return;
     QIODevice *device = this->device();
+    const bool countable = device && !device->isSequential();
+    const qint64 budget = entityExpansionBudget(countable ? device->size() : 0);
     // Every reference takes at least three bytes ("&e;"), so a short file needs no count.
-    if (device && !device->isSequential() &&
-        longest * (device->size() / 3 + 1) <= entityExpansionBudget())
+    if (countable && longest * (device->size() / 3 + 1) <= budget)
         return;
     const qint64 references = countEntityReferences(device);
     // Input that cannot be read twice is not counted: only short replacement texts pass then.
-    const bool withinBudget = references >= 0 ? references * longest <= entityExpansionBudget()
-                                              : longest <= unCountedReplacementLimit;
+    const bool withinBudget =
+        references >= 0 ? references * longest <= budget : longest <= unCountedReplacementLimit;
     if (!withinBudget) {
-        raiseError(QObject::tr("The entities of the file expand to more than %1 characters.")
-                       .arg(entityExpansionBudget()));
+        raiseError(
+            QObject::tr("The entities of the file expand to more than %1 characters.").arg(budget));
     }
 }
 
