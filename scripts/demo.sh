@@ -28,3 +28,13 @@ run env --project "$demo/project/"
 run settings get DEFAULT_DEVICE_FAMILY --project "$demo/project/"
 run settings get MESSAGE_LIMIT --project "$demo/project/"
 run settings get SIMULATOR_TYPE --project "$demo/project/" --json
+
+# Help index queries, against the index of the sample installation.
+index=installation/docs/webhelp/eng/helpindex.xml
+run help "$index" --check
+run help "$index" --tool Spreadsheet
+run help "$index" --tool Spreadsheet --view "Port Assignments"
+run help "$index" --tool Spreadsheet --whatsthis "Port Assignments"
+run help "$index" --tool Spreadsheet --dialog Options --text
+run help "$index" --tool Spreadsheet --dialog Options --tooltip "Show Defaults" --json
+run help "$index" --tool "Netlist Analyzer" --dialog Replace
