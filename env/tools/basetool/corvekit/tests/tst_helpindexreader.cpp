@@ -3,8 +3,10 @@
 #include "helpindexreader/helpindexreader_p.h"
 
 #include <QBuffer>
+#include <QCoreApplication>
 #include <QTest>
 #include <QThread>
+#include <QTranslator>
 
 #include <memory>
 
@@ -137,6 +139,20 @@ std::pair<qint64, qint64> textFailurePosition(const QByteArray &xml, const QByte
     return {plain.lineNumber(), plain.columnNumber()};
 }
 
+// Translates the reader's own error text, and only in the context QObject.
+class ContextTranslator : public QTranslator
+{
+public:
+    bool isEmpty() const override { return false; }
+    QString translate(const char *context, const char *sourceText, const char * = nullptr,
+                      int = -1) const override
+    {
+        if (qstrcmp(context, "QObject") == 0 && notAnIndex == QLatin1String(sourceText))
+            return QStringLiteral("Keine Hilfeindexdatei der Version 1.0.");
+        return QString();
+    }
+};
+
 } // namespace
 
 class TestHelpIndexReader : public QObject
@@ -150,6 +166,7 @@ private slots:
     void storedEntry();
     void errorStates_data();
     void errorStates();
+    void errorTextIsTranslated();
     void failureInsideSelectionLeavesPartialEntry();
     void brokenBehindSelection();
     void skippedTextFailsAtTheSamePlace_data();
@@ -472,6 +489,17 @@ void TestHelpIndexReader::errorStates()
     QCOMPARE(again.reader.error() == QXmlStreamReader::NoError, found);
     Index fresh(xml);
     QCOMPARE(fresh.reader.dump(), false);
+}
+
+void TestHelpIndexReader::errorTextIsTranslated()
+{
+    ContextTranslator translator;
+    QVERIFY(QCoreApplication::installTranslator(&translator));
+    Index file("<index/>");
+    QVERIFY(file.reader.getToolHelp("T").isNull());
+    QCoreApplication::removeTranslator(&translator);
+    QCOMPARE(file.reader.error(), QXmlStreamReader::CustomError);
+    QCOMPARE(file.reader.errorString(), QStringLiteral("Keine Hilfeindexdatei der Version 1.0."));
 }
 
 void TestHelpIndexReader::failureInsideSelectionLeavesPartialEntry()
