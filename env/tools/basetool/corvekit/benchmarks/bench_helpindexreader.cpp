@@ -30,7 +30,7 @@ QByteArray paragraph(int seed)
 QByteArray generatedIndex()
 {
     QByteArray xml;
-    xml.reserve(50 * 1024 * 1024);
+    xml.reserve(qsizetype(50) * 1024 * 1024);
     xml += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<helpIndex version=\"1.0\">\n";
     for (int t = 0; t < toolCount; ++t) {
         const QByteArray tool = "Tool " + QByteArray::number(t);
@@ -115,7 +115,7 @@ void BM_BareReadNext(benchmark::State &state)
 {
     QFile file(IndexFile::path());
     file.open(QIODevice::ReadOnly);
-    for (auto _ : state) {
+    for (auto _ : state) { // NOLINT(clang-analyzer-deadcode.DeadStores)
         file.reset();
         QXmlStreamReader reader(&file);
         while (!reader.atEnd())
@@ -132,7 +132,7 @@ void BM_NaivePass(benchmark::State &state)
     QFile file(IndexFile::path());
     file.open(QIODevice::ReadOnly);
     const QString wanted = QStringLiteral("No such tool");
-    for (auto _ : state) {
+    for (auto _ : state) { // NOLINT(clang-analyzer-deadcode.DeadStores)
         file.reset();
         QXmlStreamReader reader(&file);
         int matches = 0;
@@ -157,7 +157,7 @@ void BM_NaivePass(benchmark::State &state)
 void BM_Miss(benchmark::State &state)
 {
     OpenIndex index;
-    for (auto _ : state)
+    for (auto _ : state) // NOLINT(clang-analyzer-deadcode.DeadStores)
         benchmark::DoNotOptimize(index.reader.getToolHelp("No such tool"));
     setFileRate(state);
 }
@@ -166,7 +166,7 @@ void BM_CacheHit(benchmark::State &state)
 {
     OpenIndex index;
     index.reader.getToolHelp("Tool 5000");
-    for (auto _ : state)
+    for (auto _ : state) // NOLINT(clang-analyzer-deadcode.DeadStores)
         benchmark::DoNotOptimize(index.reader.getToolTipText("Tool 5000", "Item 2"));
 }
 
@@ -174,7 +174,7 @@ void BM_CacheHit(benchmark::State &state)
 void BM_FirstToolQuery(benchmark::State &state)
 {
     OpenIndex index;
-    for (auto _ : state) {
+    for (auto _ : state) { // NOLINT(clang-analyzer-deadcode.DeadStores)
         benchmark::DoNotOptimize(index.reader.getToolHelp("Tool 0"));
         benchmark::DoNotOptimize(index.reader.getDlgText("Tool 0", "Dialog 2"));
     }
@@ -188,7 +188,7 @@ void BM_HeldMemory(benchmark::State &state)
     const auto inUse = [] { return static_cast<double>(mallinfo2().uordblks); };
     double afterMiss = 0;
     double afterHit = 0;
-    for (auto _ : state) {
+    for (auto _ : state) { // NOLINT(clang-analyzer-deadcode.DeadStores)
         const double before = inUse();
         auto index = std::make_unique<OpenIndex>();
         index->reader.getToolHelp("No such tool");

@@ -55,8 +55,7 @@ using Probe = HelpIndexReaderProbe;
 
 namespace {
 
-const QString notAnIndex =
-    QStringLiteral("The file is not an Tivoran Help Index version 1.0 file.");
+const char notAnIndex[] = "The file is not an Tivoran Help Index version 1.0 file.";
 
 // A reader on an in-memory file whose bytes a test may change between two queries.
 struct Index
@@ -147,7 +146,7 @@ public:
     QString translate(const char *context, const char *sourceText, const char * = nullptr,
                       int = -1) const override
     {
-        if (qstrcmp(context, "QObject") == 0 && notAnIndex == QLatin1String(sourceText))
+        if (qstrcmp(context, "QObject") == 0 && qstrcmp(sourceText, notAnIndex) == 0)
             return QStringLiteral("Keine Hilfeindexdatei der Version 1.0.");
         return QString();
     }
@@ -404,19 +403,20 @@ void TestHelpIndexReader::errorStates_data()
 
     QTest::newRow("empty file") << QByteArray() << premature << "" << false << QStringList();
     QTest::newRow("another document element")
-        << QByteArray(R"(<index version="1.0"><tool name="T"/></index>)") << custom << notAnIndex
-        << false << QStringList();
+        << QByteArray(R"(<index version="1.0"><tool name="T"/></index>)") << custom
+        << QString::fromLatin1(notAnIndex) << false << QStringList();
     QTest::newRow("document element in another case")
         << QByteArray(R"(<helpindex version="1.0"><tool name="T"/></helpindex>)") << custom
-        << notAnIndex << false << QStringList();
+        << QString::fromLatin1(notAnIndex) << false << QStringList();
     QTest::newRow("no version") << QByteArray(R"(<helpIndex><tool name="T"/></helpIndex>)")
-                                << custom << notAnIndex << false << QStringList();
+                                << custom << QString::fromLatin1(notAnIndex) << false
+                                << QStringList();
     QTest::newRow("version 1.00")
         << QByteArray(R"(<helpIndex version="1.00"><tool name="T"/></helpIndex>)") << custom
-        << notAnIndex << false << QStringList();
+        << QString::fromLatin1(notAnIndex) << false << QStringList();
     QTest::newRow("version with a blank")
         << QByteArray(R"(<helpIndex version="1.0 "><tool name="T"/></helpIndex>)") << custom
-        << notAnIndex << false << QStringList();
+        << QString::fromLatin1(notAnIndex) << false << QStringList();
     QTest::newRow("truncated before the tool")
         << index("<tool name=\"U\"><tooltip name=\"a\">x</tooltip>").left(60) << premature << ""
         << false << QStringList();

@@ -8,7 +8,7 @@
 
 namespace {
 
-const QByteArray sound = R"(<?xml version="1.0"?>
+const char sound[] = R"(<?xml version="1.0"?>
 <helpIndex version="1.0">
   <tool name="Spreadsheet" href="s.htm">
     <view name="Ports" href="ports.htm"/>
@@ -26,9 +26,9 @@ const QByteArray sound = R"(<?xml version="1.0"?>
 )";
 
 // Broken on line 3, inside a tooltip that no query of Spreadsheet reads.
-const QByteArray broken = "<helpIndex version=\"1.0\">\n<tool name=\"Other\">\n"
-                          "  <tooltip name=\"x\">a<b/></tooltip></tool>\n"
-                          "<tool name=\"Spreadsheet\" href=\"s.htm\"/></helpIndex>\n";
+const char broken[] = "<helpIndex version=\"1.0\">\n<tool name=\"Other\">\n"
+                      "  <tooltip name=\"x\">a<b/></tooltip></tool>\n"
+                      "<tool name=\"Spreadsheet\" href=\"s.htm\"/></helpIndex>\n";
 
 } // namespace
 

@@ -24,7 +24,7 @@ namespace {
 
 // What a pass stores is never null, so that a hit on an element without the attribute or text
 // ("") stays apart from a miss (null).
-QString stored(QString text)
+QString stored(const QString &text)
 {
     return text.isNull() ? QStringLiteral("") : text;
 }

@@ -51,7 +51,7 @@ qint64 countEntityReferences(QIODevice *device)
     if (!device->seek(0))
         return -1;
     // A reference split between two blocks is seen whole: the tail of one block starts the next.
-    constexpr qint64 blockSize = 64 * 1024;
+    constexpr qint64 blockSize = qint64(64) * 1024;
     constexpr qint64 tailSize = 5;
     QByteArray buffer(blockSize + tailSize, Qt::Uninitialized);
     qint64 carried = 0;
