@@ -180,6 +180,9 @@ private slots:
     void dumpBeforeAndAfterQueries();
     void deepNestingOnSmallStack();
     void entityExpansionBound();
+    void entitiesOfEarlierDocuments_data();
+    void entitiesOfEarlierDocuments();
+    void brokenDtdLeavesNothingToRead();
     void countsEntityReferences_data();
     void countsEntityReferences();
 };
@@ -768,6 +771,60 @@ void TestHelpIndexReader::entityExpansionBound()
               dtd);
     Index predefined(plain);
     QCOMPARE(predefined.reader.getToolTipText("T", "a").size(), 3 * 200000 + 4000);
+}
+
+void TestHelpIndexReader::entitiesOfEarlierDocuments_data()
+{
+    QTest::addColumn<QByteArray>("first");
+
+    const QByteArray entity(4000, 'A');
+    // The stream reader keeps these entities after the pass, although the pass failed or the
+    // next file is another one.
+    QTest::newRow("declared by a sound file")
+        << index("<tool name=\"T\"><tooltip name=\"a\">&e;</tooltip></tool>",
+                 "<!DOCTYPE helpIndex [<!ENTITY e \"" + entity + "\">]>");
+    QTest::newRow("declared by a DTD that broke off")
+        << QByteArray("<!DOCTYPE helpIndex [<!ENTITY e \"" + entity + "\"> <!ENTITY");
+    QTest::newRow("declared by a DTD in the body")
+        << index("<x><!DOCTYPE y [<!ENTITY e \"" + entity + "\">]></x>");
+}
+
+void TestHelpIndexReader::entitiesOfEarlierDocuments()
+{
+    QFETCH(QByteArray, first);
+
+    Index file(first);
+    file.reader.getToolTipText("T", "a");
+    // A second file without any DTD refers to the entity 100,000 times: 400 million
+    // characters if it were expanded.
+    QByteArray secondBytes = index("<tool name=\"U\"><tooltip name=\"a\">" +
+                                   QByteArray("&e;").repeated(100000) + "</tooltip></tool>");
+    QBuffer second(&secondBytes);
+    second.open(QIODevice::ReadOnly);
+    file.reader.setDevice(&second);
+    QVERIFY(file.reader.getToolTipText("U", "a").isNull());
+    QCOMPARE(file.reader.error(), QXmlStreamReader::CustomError);
+    QVERIFY(file.reader.errorString().startsWith(QStringLiteral("The entities of the file")));
+    // A sound file without references still reads on the same object.
+    QByteArray thirdBytes = index("<tool name=\"V\" href=\"v.htm\"/>");
+    QBuffer third(&thirdBytes);
+    third.open(QIODevice::ReadOnly);
+    file.reader.setDevice(&third);
+    QCOMPARE(file.reader.getToolHelp("V"), QStringLiteral("v.htm"));
+}
+
+void TestHelpIndexReader::brokenDtdLeavesNothingToRead()
+{
+    // The DTD in the body breaks off after a declaration. The stream reader keeps that
+    // declaration, pointing at text that the next pass no longer has, and hands it out with the
+    // next DTD: the prolog's, in the next pass. Reading its text would read freed memory.
+    Index file("<!DOCTYPE helpIndex SYSTEM \"index.dtd\"><helpIndex version=\"1.0\"><x>"
+               "<!DOCTYPE y [<!ENTITY e \"" +
+               QByteArray(20000, 'A') + "\"> <!ENTITY f \"broken");
+    for (int pass = 0; pass < 3; ++pass) {
+        QVERIFY(file.reader.getToolHelp("T").isNull());
+        QVERIFY(file.reader.error() != QXmlStreamReader::NoError);
+    }
 }
 
 void TestHelpIndexReader::countsEntityReferences_data()

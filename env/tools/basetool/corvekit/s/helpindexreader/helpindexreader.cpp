@@ -5,6 +5,8 @@
 
 #include <QObject>
 
+#include <algorithm>
+
 const char *const HelpIndexReader::m_helpIdxXmlName = "helpIndex";
 const char *const HelpIndexReader::m_toolXmlName = "tool";
 const char *const HelpIndexReader::m_viewXmlName = "view";
@@ -39,6 +41,8 @@ QString attribute(const QXmlStreamAttributes &attributes, const char *name)
 void HelpIndexReader::read(MatchType matchType, const char *toolName, const char *dialogName)
 {
     if (!m_found) {
+        // Entities of earlier documents still expand in this one (see m_entityCeiling).
+        checkEntityExpansion(m_entityCeiling);
         // XML allows one DTD, in the prolog; the document element opens the body.
         bool dtdSeen = false;
         bool bodySeen = false;
@@ -58,12 +62,18 @@ void HelpIndexReader::read(MatchType matchType, const char *toolName, const char
                     raiseMisplacedDtd();
                 } else {
                     dtdSeen = true;
-                    checkEntityExpansion();
+                    const qint64 before = m_entityCeiling;
+                    const qint64 declared = declaredReplacement();
+                    if (declared > before)
+                        checkEntityExpansion(declared);
                 }
             }
             if (m_found)
                 break;
         }
+        // A pass that broke off may have left entities behind that nobody checked.
+        if (hasError())
+            m_entityCeiling = std::max(m_entityCeiling, qint64(entityExpansionLimit()));
     }
     m_matchType = matchType;
     m_toolName = QString::fromUtf8(toolName);

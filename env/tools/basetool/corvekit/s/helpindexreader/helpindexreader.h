@@ -43,6 +43,10 @@
  *   index would have to gain more than four times its own size through entities, in which a
  *   reference of at least three bytes stands for a product name or the like of some tens of
  *   characters in some of its texts; the suite's indexes declare no entities at all.
+ *   Qt 6.4's stream reader keeps the entities of every document it has read, across clear()
+ *   and setDevice(): a reference in a later document to an entity that only an earlier one
+ *   declared still expands. The budget counts those too, so that a reader that once met a
+ *   hostile DTD stays bounded on every file it reads afterwards.
  *
  * One object and its device serve one thread at a time.
  */
@@ -117,7 +121,8 @@ private:
 
     // Steps of a pass that keep hostile input bounded; see the class comment.
     void raiseMisplacedDtd();
-    void checkEntityExpansion();
+    qint64 declaredReplacement();
+    void checkEntityExpansion(qint64 longest);
     void skipCharacterData();
     void failAsElementText(qint64 startOffset);
 
@@ -141,6 +146,11 @@ private:
     QMap<QString, QString> m_whatsThisMap;
     QMap<QString, QString> m_toolTipMap;
     QMap<QString, QString> m_descriptionMap;
+
+    // The longest replacement text that an entity known to the base may have. The stream reader
+    // of Qt 6.4 keeps every entity it was ever given, across clear() and setDevice(), so entities
+    // of an earlier document expand in later ones; each pass checks its file against this.
+    qint64 m_entityCeiling;
 
     static const char *const m_helpIdxXmlName;
     static const char *const m_toolXmlName;

@@ -11,10 +11,32 @@
 
 namespace corvekit::detail {
 
-qint64 longestReplacement(const QXmlStreamEntityDeclarations &declarations, qint64 expansionLimit)
+namespace {
+
+bool liesInside(QStringView part, QStringView whole)
+{
+    // Compared as addresses only: a view outside may point at freed memory.
+    const auto begin = reinterpret_cast<quintptr>(whole.data());
+    const auto end = begin + sizeof(QChar) * static_cast<quintptr>(whole.size());
+    const auto partBegin = reinterpret_cast<quintptr>(part.data());
+    const auto partEnd = partBegin + sizeof(QChar) * static_cast<quintptr>(part.size());
+    return part.isEmpty() || (partBegin >= begin && partEnd <= end && partBegin <= partEnd);
+}
+
+} // namespace
+
+qint64 longestReplacement(const QXmlStreamEntityDeclarations &declarations, QStringView dtd,
+                          qint64 expansionLimit)
 {
     qint64 longest = 0;
     for (const QXmlStreamEntityDeclaration &declaration : declarations) {
+        const bool current =
+            liesInside(declaration.name(), dtd) && liesInside(declaration.value(), dtd) &&
+            liesInside(declaration.systemId(), dtd) && liesInside(declaration.publicId(), dtd);
+        if (!current) {
+            longest = std::max(longest, expansionLimit);
+            continue;
+        }
         if (!declaration.systemId().isEmpty() || !declaration.publicId().isEmpty())
             continue;
         const QStringView value = declaration.value();
@@ -94,10 +116,16 @@ void HelpIndexReader::raiseMisplacedDtd()
     raiseError(QObject::tr("A DTD may stand only once, before the document element."));
 }
 
-void HelpIndexReader::checkEntityExpansion()
+qint64 HelpIndexReader::declaredReplacement()
 {
-    using namespace corvekit::detail;
-    const qint64 longest = longestReplacement(entityDeclarations(), entityExpansionLimit());
+    const qint64 longest =
+        corvekit::detail::longestReplacement(entityDeclarations(), text(), entityExpansionLimit());
+    m_entityCeiling = std::max(m_entityCeiling, longest);
+    return longest;
+}
+
+void HelpIndexReader::checkEntityExpansion(qint64 longest)
+{
     if (longest == 0)
         return;
     QIODevice *device = this->device();
@@ -106,7 +134,7 @@ void HelpIndexReader::checkEntityExpansion()
     // Every reference takes at least three bytes ("&e;"), so a short file needs no count.
     if (countable && longest * (device->size() / 3 + 1) <= budget)
         return;
-    const qint64 references = countEntityReferences(device);
+    const qint64 references = corvekit::detail::countEntityReferences(device);
     // Input that cannot be read twice is not counted: only short replacement texts pass then.
     const bool withinBudget =
         references >= 0 ? references * longest <= budget : longest <= unCountedReplacementLimit;

@@ -27,9 +27,15 @@ inline bool sameName(QStringView name, const char *wanted)
 /*!
  * The most characters that one reference to any of \a declarations can expand to. An entity
  * whose value refers to further entities is counted at \a expansionLimit, the stream reader's
- * cap on a nested expansion. External entities are never expanded and count nothing.
+ * cap on any one expansion. External entities are never expanded and count nothing.
+ *
+ * Only declarations whose text lies inside \a dtd, the DTD token's own text, are read. The
+ * stream reader of Qt 6.4 keeps the declarations of a DTD that broke off in an earlier document
+ * and hands them out again with the next DTD, pointing at text that is gone; their characters
+ * are never touched, and the caller assumes the worst for them.
  */
-qint64 longestReplacement(const QXmlStreamEntityDeclarations &declarations, qint64 expansionLimit);
+qint64 longestReplacement(const QXmlStreamEntityDeclarations &declarations, QStringView dtd,
+                          qint64 expansionLimit);
 
 /*!
  * How many references to declared entities the bytes of \a device can hold, counted from its

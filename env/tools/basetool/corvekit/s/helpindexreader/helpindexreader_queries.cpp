@@ -17,6 +17,7 @@ bool equalsKey(const QString &key, const char *name)
 HelpIndexReader::HelpIndexReader()
     : m_matchType(MatchNone)
     , m_found(false)
+    , m_entityCeiling(0)
 {
     clean();
 }
