@@ -183,6 +183,8 @@ private slots:
     void entitiesOfEarlierDocuments_data();
     void entitiesOfEarlierDocuments();
     void brokenDtdLeavesNothingToRead();
+    void longestReplacement_data();
+    void longestReplacement();
     void countsEntityReferences_data();
     void countsEntityReferences();
 };
@@ -824,6 +826,42 @@ void TestHelpIndexReader::brokenDtdLeavesNothingToRead()
     for (int pass = 0; pass < 3; ++pass) {
         QVERIFY(file.reader.getToolHelp("T").isNull());
         QVERIFY(file.reader.error() != QXmlStreamReader::NoError);
+    }
+}
+
+void TestHelpIndexReader::longestReplacement_data()
+{
+    QTest::addColumn<QByteArray>("declarations");
+    QTest::addColumn<qint64>("longest");
+
+    QTest::newRow("none") << QByteArray() << qint64(0);
+    QTest::newRow("plain values") << QByteArray(R"(<!ENTITY e "abcd"><!ENTITY f "ab">)")
+                                  << qint64(4);
+    QTest::newRow("nested, at the limit")
+        << QByteArray(R"(<!ENTITY e "x&f;"><!ENTITY f "y">)") << qint64(4096);
+    QTest::newRow("external, never expanded")
+        << QByteArray(R"(<!ENTITY e SYSTEM "e.txt"><!ENTITY f PUBLIC "-//F" "f.txt">)")
+        << qint64(0);
+    QTest::newRow("longer than the limit")
+        << QByteArray("<!ENTITY e \"" + QByteArray(5000, 'x') + "\">") << qint64(4096);
+}
+
+void TestHelpIndexReader::longestReplacement()
+{
+    QFETCH(QByteArray, declarations);
+    QFETCH(qint64, longest);
+    QXmlStreamReader reader("<!DOCTYPE a [" + declarations + "]><a/>");
+    while (!reader.atEnd() && !reader.isDTD())
+        reader.readNext();
+    QVERIFY(reader.isDTD());
+    QCOMPARE(corvekit::detail::longestReplacement(reader.entityDeclarations(), reader.text(),
+                                                  reader.entityExpansionLimit()),
+             longest);
+    // Declarations that do not lie in the DTD at hand count at the limit, unread.
+    if (!reader.entityDeclarations().isEmpty()) {
+        QCOMPARE(corvekit::detail::longestReplacement(reader.entityDeclarations(), QStringView(),
+                                                      reader.entityExpansionLimit()),
+                 qint64(4096));
     }
 }
 

@@ -39,10 +39,11 @@ qint64 longestReplacement(const QXmlStreamEntityDeclarations &declarations, QStr
         }
         if (!declaration.systemId().isEmpty() || !declaration.publicId().isEmpty())
             continue;
+        // The stream reader fails any one expansion beyond its limit, so none adds more.
         const QStringView value = declaration.value();
-        qint64 size = value.size();
-        if (value.contains(QLatin1Char('&')) || value.contains(QLatin1Char('%')))
-            size = std::max(size, expansionLimit);
+        const bool nested = value.contains(QLatin1Char('&')) || value.contains(QLatin1Char('%'));
+        const qint64 size =
+            nested ? expansionLimit : std::min<qint64>(value.size(), expansionLimit);
         longest = std::max(longest, size);
     }
     return longest;
