@@ -161,6 +161,7 @@ class TestHelpIndexReader : public QObject
 private slots:
     void selection_data();
     void selection();
+    void prologIsPassedOver();
     void storedEntry_data();
     void storedEntry();
     void errorStates_data();
@@ -330,6 +331,18 @@ void TestHelpIndexReader::selection()
     Index file(index(body));
     const QString result = ask(file.reader, query, tool, second, item);
     QCOMPARE(shown(result), expected);
+    QCOMPARE(file.reader.error(), QXmlStreamReader::NoError);
+}
+
+void TestHelpIndexReader::prologIsPassedOver()
+{
+    Index file("<?xml version=\"1.0\" encoding=\"UTF-8\"?><!-- generated --><?style sheet?>\n"
+               "<!DOCTYPE helpIndex SYSTEM \"helpindex.dtd\"><!-- after the DTD -->\n"
+               "<helpIndex version=\"1.0\" generator=\"x\">text<!-- c --><?p?>"
+               "<tool name=\"T\" href=\"t.htm\">text<![CDATA[cdata]]></tool></helpIndex>\n"
+               "<!-- after the end --><?p?>\n");
+    QCOMPARE(file.reader.getToolHelp("T"), QStringLiteral("t.htm"));
+    QVERIFY(!file.reader.isMyHelpIdx("U")); // a miss walks to the very end
     QCOMPARE(file.reader.error(), QXmlStreamReader::NoError);
 }
 
