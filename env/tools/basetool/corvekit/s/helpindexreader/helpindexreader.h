@@ -39,14 +39,25 @@
  *   reader counts the references that the file can hold (from its bytes, without decoding) and
  *   multiplies by the longest replacement text; above the budget the pass ends with a custom
  *   error before anything is expanded. Predefined entities and character references add nothing
- *   and are not counted. The budget cannot reject a real index: it grows with the file, and an
- *   index would have to gain more than four times its own size through entities, in which a
- *   reference of at least three bytes stands for a product name or the like of some tens of
- *   characters in some of its texts; the suite's indexes declare no entities at all.
- *   Qt 6.4's stream reader keeps the entities of every document it has read, across clear()
+ *   and are not counted. The budget cannot reject a real index: it grows with the file, and a
+ *   real index uses entities, if at all, for short texts such as a product name (some tens of
+ *   characters for a reference of at least three bytes) in some of its texts; to reach the
+ *   budget it would have to gain more than four times its own size through them. The suite's
+ *   indexes declare no entities at all. On a device that cannot be read twice the references
+ *   cannot be counted, and a replacement text over 64 characters ends the pass.
+ * - Qt 6.4's stream reader keeps the entities of every document it has read, across clear()
  *   and setDevice(): a reference in a later document to an entity that only an earlier one
  *   declared still expands. The budget counts those too, so that a reader that once met a
- *   hostile DTD stays bounded on every file it reads afterwards.
+ *   hostile DTD stays bounded on every file it reads afterwards. After a pass that broke off,
+ *   whose DTD may not have been seen whole, every entity counts at the stream reader's limit
+ *   of one expansion (entityExpansionLimit()), and each later pass reads the file's bytes once
+ *   more to count references.
+ *
+ * A pass builds no text for elements it does not store. When such an element holds a child
+ * element, the pass must still fail with readElementText()'s UnexpectedElementError, which only
+ * the stream reader can raise: the reader then parses the device once more up to that element
+ * and lets readElementText() fail there, at the same line and column. On a device that cannot go
+ * back the error is a CustomError with the same text.
  *
  * One object and its device serve one thread at a time.
  */
