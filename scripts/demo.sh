@@ -62,3 +62,12 @@ run sort --by pinv project/bga-pins.txt
 run sort project/nets.txt
 run wildcard 'u_fifo_*/wr_ptr_reg[?]' 'u_fifo_rx/wr_ptr_reg[3]' 'u_fifo_rx/wr_ptr_reg[12]' \
     'u_fifo_tx/wr_ptr_reg[5]' 'u_fifo_rx/rd_ptr_reg[3]'
+# Help index queries, against the index of the sample installation.
+index=installation/docs/webhelp/eng/helpindex.xml
+run help "$index" --check
+run help "$index" --tool Spreadsheet
+run help "$index" --tool Spreadsheet --view "Port Assignments"
+run help "$index" --tool Spreadsheet --whatsthis "Port Assignments"
+run help "$index" --tool Spreadsheet --dialog Options --text
+run help "$index" --tool Spreadsheet --dialog Options --tooltip "Show Defaults" --json
+run help "$index" --tool "Netlist Analyzer" --dialog Replace

@@ -16,6 +16,7 @@ struct Command
 const QList<Command> &commands();
 
 int runEnv(const QStringList &arguments);
+int runHelp(const QStringList &arguments);
 int runSettings(const QStringList &arguments);
 int runLabel(const QStringList &arguments);
 

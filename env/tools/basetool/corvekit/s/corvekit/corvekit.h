@@ -11,6 +11,7 @@
 #include "basguitoolnameinfo.h"
 #include "commonlabelmapping.h"
 #include "diagtrace.h"
+#include "helpindexreader.h"
 #include "profiler.h"
 #include "profilersettings.h"
 

@@ -1,0 +1,183 @@
+#include "commands.h"
+#include "toolio.h"
+
+#include <corvekit/helpindexreader.h>
+
+#include <QCommandLineParser>
+#include <QFile>
+#include <QJsonObject>
+
+namespace {
+
+// The reader's verdict where a pass stopped, as "FILE:LINE:COLUMN: text".
+QString whereItStopped(const QString &file, const HelpIndexReader &reader)
+{
+    return QStringLiteral("%1:%2:%3: %4")
+        .arg(file)
+        .arg(reader.lineNumber())
+        .arg(reader.columnNumber())
+        .arg(reader.errorString());
+}
+
+QJsonObject errorObject(const HelpIndexReader &reader)
+{
+    return QJsonObject{{QStringLiteral("error"), reader.errorString()},
+                       {QStringLiteral("line"), reader.lineNumber()},
+                       {QStringLiteral("column"), reader.columnNumber()}};
+}
+
+int check(const QString &file, HelpIndexReader &reader, bool json)
+{
+    const bool valid = reader.dump();
+    if (json) {
+        QJsonObject root{{QStringLiteral("file"), file}, {QStringLiteral("valid"), valid}};
+        if (!valid) {
+            const QJsonObject error = errorObject(reader);
+            for (auto it = error.begin(); it != error.end(); ++it)
+                root.insert(it.key(), it.value());
+        }
+        printJson(root);
+        return valid ? ExitSuccess : ExitInvalidInput;
+    }
+    if (!valid)
+        return fail(ExitInvalidInput, whereItStopped(file, reader));
+    printLine(QStringLiteral("%1: a valid help index").arg(file));
+    return ExitSuccess;
+}
+
+} // namespace
+
+int runHelp(const QStringList &arguments)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral(
+        "Answers what a help index says about a tool, a view or a dialog, as the suite's tools "
+        "ask it, or checks that FILE is a sound help index.\n"
+        "Without an item option the answer is the help reference of the tool, the view or the "
+        "dialog; --text gives the dialog's text instead. An item option asks for a short text "
+        "(or --url for the reference) of an item of the tool, or of the dialog with --dialog.\n"
+        "Exit status: 0 answered, 1 no match, 2 usage, 3 the file is not a sound help index."));
+    const QCommandLineOption checkOption(QStringLiteral("check"),
+                                         QStringLiteral("Checks the whole file and says where it "
+                                                        "breaks."));
+    const QCommandLineOption jsonOption(QStringLiteral("json"), QStringLiteral("Prints JSON."));
+    const QCommandLineOption toolOption(QStringLiteral("tool"), QStringLiteral("The tool's name."),
+                                        QStringLiteral("T"));
+    const QCommandLineOption viewOption(QStringLiteral("view"),
+                                        QStringLiteral("A view of the tool."), QStringLiteral("V"));
+    const QCommandLineOption dialogOption(
+        QStringLiteral("dialog"), QStringLiteral("A dialog of the tool."), QStringLiteral("D"));
+    const QCommandLineOption textOption(QStringLiteral("text"),
+                                        QStringLiteral("The dialog's text instead of its "
+                                                       "reference."));
+    const QCommandLineOption whatsThisOption(QStringLiteral("whatsthis"),
+                                             QStringLiteral("What's-this text of ITEM."),
+                                             QStringLiteral("ITEM"));
+    const QCommandLineOption tooltipOption(
+        QStringLiteral("tooltip"), QStringLiteral("Tooltip of ITEM."), QStringLiteral("ITEM"));
+    const QCommandLineOption descriptionOption(QStringLiteral("description"),
+                                               QStringLiteral("Description of ITEM."),
+                                               QStringLiteral("ITEM"));
+    const QCommandLineOption urlOption(QStringLiteral("url"),
+                                       QStringLiteral("Reference of ITEM (a description's, or at "
+                                                      "tool level a view's)."),
+                                       QStringLiteral("ITEM"));
+    parser.addOptions({checkOption, jsonOption, toolOption, viewOption, dialogOption, textOption,
+                       whatsThisOption, tooltipOption, descriptionOption, urlOption});
+    parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The help index file."));
+    if (int status = parseArguments(
+            parser, QStringList{QStringLiteral("corvekit help")} + arguments.mid(1), 1, 1);
+        status >= 0)
+        return status;
+
+    // Which item query, if any; at most one.
+    const std::pair<const QCommandLineOption *, const char *> itemKinds[] = {
+        {&whatsThisOption, "whatsthis"},
+        {&tooltipOption, "tooltip"},
+        {&descriptionOption, "description"},
+        {&urlOption, "url"}};
+    const QCommandLineOption *itemOption = nullptr;
+    QString kind;
+    for (const auto &[option, name] : itemKinds) {
+        if (!parser.isSet(*option))
+            continue;
+        if (itemOption)
+            return fail(ExitUsage, QStringLiteral("help: give at most one item option"));
+        itemOption = option;
+        kind = QString::fromLatin1(name);
+    }
+    const bool checking = parser.isSet(checkOption);
+    const bool hasView = parser.isSet(viewOption);
+    const bool hasDialog = parser.isSet(dialogOption);
+    if (checking && (parser.isSet(toolOption) || hasView || hasDialog || itemOption))
+        return fail(ExitUsage, QStringLiteral("help: --check takes no query options"));
+    if (!checking && !parser.isSet(toolOption))
+        return fail(ExitUsage, QStringLiteral("help: give --check or --tool; see --help"));
+    if (hasView && (hasDialog || itemOption))
+        return fail(ExitUsage, QStringLiteral("help: --view takes no --dialog or item option"));
+    if (parser.isSet(textOption) && (!hasDialog || itemOption))
+        return fail(ExitUsage, QStringLiteral("help: --text needs --dialog and no item option"));
+
+    const QString fileName = parser.positionalArguments().constFirst();
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly))
+        return fail(ExitInvalidInput,
+                    QStringLiteral("%1: cannot read: %2").arg(fileName, file.errorString()));
+    HelpIndexReader reader;
+    reader.setDevice(&file);
+    const bool json = parser.isSet(jsonOption);
+    if (checking)
+        return check(fileName, reader, json);
+
+    const QByteArray tool = parser.value(toolOption).toUtf8();
+    const QByteArray dialog = parser.value(dialogOption).toUtf8();
+    const QByteArray view = parser.value(viewOption).toUtf8();
+    const QByteArray item = itemOption ? parser.value(*itemOption).toUtf8() : QByteArray();
+    QString answer;
+    if (itemOption) {
+        // With a dialog the item is the dialog's, else the tool's (a null third argument).
+        const char *second = hasDialog ? dialog.constData() : item.constData();
+        const char *third = hasDialog ? item.constData() : nullptr;
+        if (kind == QLatin1String("whatsthis"))
+            answer = reader.getWhatsThisText(tool.constData(), second, third);
+        else if (kind == QLatin1String("tooltip"))
+            answer = reader.getToolTipText(tool.constData(), second, third);
+        else if (kind == QLatin1String("description"))
+            answer = reader.getDescription(tool.constData(), second, third);
+        else
+            answer = reader.getDescriptionUrl(tool.constData(), second, third);
+    } else if (hasView) {
+        kind = QStringLiteral("view");
+        answer = reader.getViewHelp(tool.constData(), view.constData());
+    } else if (hasDialog) {
+        const bool text = parser.isSet(textOption);
+        kind = text ? QStringLiteral("text") : QStringLiteral("dialog");
+        answer = text ? reader.getDlgText(tool.constData(), dialog.constData())
+                      : reader.getDlgHelp(tool.constData(), dialog.constData());
+    } else {
+        kind = QStringLiteral("tool");
+        answer = reader.getToolHelp(tool.constData());
+    }
+
+    if (answer.isNull() && reader.error() != QXmlStreamReader::NoError)
+        return fail(ExitInvalidInput, whereItStopped(fileName, reader));
+    if (json) {
+        QJsonObject root{{QStringLiteral("tool"), QString::fromUtf8(tool)},
+                         {QStringLiteral("query"), kind},
+                         {QStringLiteral("found"), !answer.isNull()},
+                         {QStringLiteral("value"),
+                          answer.isNull() ? QJsonValue(QJsonValue::Null) : QJsonValue(answer)}};
+        if (hasView)
+            root.insert(QStringLiteral("view"), QString::fromUtf8(view));
+        if (hasDialog)
+            root.insert(QStringLiteral("dialog"), QString::fromUtf8(dialog));
+        if (itemOption)
+            root.insert(QStringLiteral("item"), QString::fromUtf8(item));
+        printJson(root);
+        return answer.isNull() ? ExitNotFound : ExitSuccess;
+    }
+    if (answer.isNull())
+        return fail(ExitNotFound, QStringLiteral("%1: no match").arg(fileName));
+    printLine(answer);
+    return ExitSuccess;
+}
