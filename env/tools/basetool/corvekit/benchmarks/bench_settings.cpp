@@ -214,7 +214,7 @@ const char *const operationNames[] = {
 void runBenchmark(benchmark::State &state, const std::string &name)
 {
     const Operation operation = makeOperation(name, static_cast<int>(state.range(0)));
-    operation(); // the first call parses what later calls find in Qt's cache
+    operation();         // the first call parses what later calls find in Qt's cache
     for (auto _ : state) // NOLINT(clang-analyzer-deadcode.DeadStores)
         operation();
 }
