@@ -195,11 +195,14 @@ static double fastest(const std::vector<double> &values)
     return *std::min_element(values.begin(), values.end());
 }
 
+// `set` names a template, which takes no parentheses.
+// NOLINTBEGIN(bugprone-macro-parentheses)
 #define CORVEKIT_SORT_BENCHMARK(set, compare, label)                                               \
     BENCHMARK(set<compare>)                                                                        \
         ->Name(#set "/" label)                                                                     \
         ->Unit(benchmark::kMillisecond)                                                            \
         ->ComputeStatistics("min", fastest)
+// NOLINTEND(bugprone-macro-parentheses)
 
 CORVEKIT_SORT_BENCHMARK(nets, compareStrcmp, "strcmp");
 CORVEKIT_SORT_BENCHMARK(nets, compareStrnlenStrcmp, "strnlen2+strcmp");

@@ -139,7 +139,7 @@ void TestToolInstallation::tools()
     QCOMPARE(result.exitCode, 0);
     const QJsonObject object = json(result);
     QMap<QString, QJsonObject> byName;
-    for (const QJsonValue &value : object.value(QStringLiteral("tools")).toArray())
+    for (const QJsonValue value : object.value(QStringLiteral("tools")).toArray())
         byName.insert(value.toObject().value(QStringLiteral("name")).toString(), value.toObject());
     QCOMPARE(byName.size(), 6);
 
@@ -184,7 +184,7 @@ void TestToolInstallation::toolsDefaults()
     QCOMPARE(result.exitCode, 0);
     const QJsonObject object = json(result);
     QCOMPARE(object.value(QStringLiteral("defaults")).toBool(), true);
-    for (const QJsonValue &value : object.value(QStringLiteral("tools")).toArray()) {
+    for (const QJsonValue value : object.value(QStringLiteral("tools")).toArray()) {
         const QJsonObject entry = value.toObject();
         const QString name = entry.value(QStringLiteral("name")).toString();
         if (name == QLatin1String("precision")) {
