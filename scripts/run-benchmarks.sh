@@ -4,7 +4,7 @@ set -euo pipefail
 build=${1:-build-bench}
 shopt -s nullglob
 for program in "$build"/benchmarks/bench_*; do
-    [ -x "$program" ] || continue
+    [ -f "$program" ] && [ -x "$program" ] || continue
     echo "== $(basename "$program")"
     "$program" --benchmark_repetitions=${BENCH_REPETITIONS:-5} --benchmark_enable_random_interleaving=true \
         --benchmark_report_aggregates_only=true "${@:2}"
