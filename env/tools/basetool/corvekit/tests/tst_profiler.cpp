@@ -30,6 +30,18 @@ QStringList reportRows(Profiler &profiler)
     return texts.mid(4, texts.size() - 5);
 }
 
+// The name column of each report row with its indentation and without the padding behind it.
+QStringList indentedNames(Profiler &profiler)
+{
+    static const QRegularExpression firstVisible(QStringLiteral("\\S"));
+    QStringList names;
+    for (const QString &row : reportRows(profiler)) {
+        const QString indentation(row.indexOf(firstVisible), QLatin1Char(' '));
+        names.append(indentation + row.left(row.indexOf(QLatin1String(" |"))).trimmed());
+    }
+    return names;
+}
+
 // Scenario for the switch table: reports whether a profiler built under the child's
 // environment records and whether it posts detail lines.
 int switchesScenario()
@@ -268,13 +280,7 @@ void TestProfiler::nesting()
         else
             profiler.stopRecord();
     }
-    QStringList shown;
-    for (const QString &row : reportRows(profiler))
-        shown.append(row.left(row.indexOf(QLatin1String(" |")))
-                         .trimmed()
-                         .prepend(QString(row.indexOf(QRegularExpression(QStringLiteral("\\S"))),
-                                          QLatin1Char(' '))));
-    QCOMPARE(shown, rows);
+    QCOMPARE(indentedNames(profiler), rows);
 }
 
 void TestProfiler::runsOfOneNameAddUp()
@@ -372,13 +378,7 @@ void TestProfiler::titles()
         else
             profiler.setLatestTaskTitle(argument.constData());
     }
-    QStringList shown;
-    for (const QString &row : reportRows(profiler))
-        shown.append(row.left(row.indexOf(QLatin1String(" |")))
-                         .trimmed()
-                         .prepend(QString(row.indexOf(QRegularExpression(QStringLiteral("\\S"))),
-                                          QLatin1Char(' '))));
-    QCOMPARE(shown, names);
+    QCOMPARE(indentedNames(profiler), names);
 }
 
 void TestProfiler::stopAndTitleWithoutRunningTask()
