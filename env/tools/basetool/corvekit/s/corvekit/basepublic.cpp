@@ -1,6 +1,7 @@
 #include "basepublic.h"
 
 #include "basepublic_p.h"
+#include "bytescan_p.h"
 
 #include <corvekit/diagtrace.h>
 
@@ -10,10 +11,16 @@
 #include <cstring>
 
 using basepublic_p::byteOrder;
-using basepublic_p::commonPrefix;
 using basepublic_p::isDigit;
+using basepublic_p::runLength;
+using basepublic_p::runStart;
 using basepublic_p::runValue;
 using basepublic_p::wrappingDifference;
+using bytescan::commonPrefix;
+using bytescan::equalFlags;
+using bytescan::readShort;
+using bytescan::ShortName;
+using bytescan::shortRunValue;
 
 BasePublic &BasePublic::operator=(const BasePublic &)
 {
@@ -25,31 +32,22 @@ BasePublic &BasePublic::operator=(BasePublic &&) noexcept
     return *this;
 }
 
-int BasePublic::compareAlphaNum(const char *a, const char *b)
-{
-    // Up to the first difference every position goes on: equal non-digits by definition, and
-    // equal digits because their runs are the same bytes up to the same non-digit, or reach the
-    // difference, which is where the walk is resumed from. Only bytes up to the difference are
-    // read, as strcmp does; lengths are taken where the walk ends.
-    const std::size_t first = commonPrefix(a, b);
-    const char x = a[first];
-    const char y = b[first];
-    if (x == y)
-        return 0; // identical names
-    if (!isDigit(x) && !isDigit(y)) {
-        if (x != 0 && y != 0)
-            return byteOrder(x, y); // the whole names first differ here
-        // One name ends here: the walk ends with the difference of the lengths.
-        const std::size_t lengthA = x ? first + std::strlen(a + first) : first;
-        const std::size_t lengthB = y ? first + std::strlen(b + first) : first;
-        return wrappingDifference(static_cast<int>(lengthA), static_cast<int>(lengthB));
-    }
+namespace {
 
-    // A digit run reaches the difference: walk as defined from the start of that run, one byte
-    // at a time, so that equal values are compared again from each of their later digits.
-    std::size_t i = first;
-    while (i > 0 && isDigit(a[i - 1]))
-        --i;
+// The length of both names, from where they first differ or one ends, as the walk's result.
+int lengthDifference(const char *a, const char *b, std::size_t from)
+{
+    const std::size_t lengthA = from + bytescan::length(a + from);
+    const std::size_t lengthB = from + bytescan::length(b + from);
+    return wrappingDifference(static_cast<int>(lengthA), static_cast<int>(lengthB));
+}
+
+/*!
+ * The walk of compareAlphaNum from \a i on, one byte at a time as defined, for names that first
+ * differ at \a first. Out of line: only equal values read at different places get here.
+ */
+[[gnu::noinline]] int alphaNumWalk(const char *a, const char *b, std::size_t i, std::size_t first)
+{
     for (; a[i] != 0 && b[i] != 0; ++i) {
         const char p = a[i];
         const char q = b[i];
@@ -63,11 +61,89 @@ int BasePublic::compareAlphaNum(const char *a, const char *b)
                 return wrappingDifference(valueA, valueB);
             continue;
         }
-        return byteOrder(x, y);
+        return byteOrder(a[first], b[first]);
     }
-    const std::size_t lengthA = i + std::strlen(a + i);
-    const std::size_t lengthB = i + std::strlen(b + i);
-    return wrappingDifference(static_cast<int>(lengthA), static_cast<int>(lengthB));
+    return lengthDifference(a, b, i);
+}
+
+/*!
+ * compareAlphaNum where a digit run takes in \a first, where the names first differ. Out of
+ * line, so that the common path saves no registers.
+ */
+[[gnu::noinline]] int alphaNumFromRun(const char *a, const char *b, std::size_t first)
+{
+    const char x = a[first];
+    const char y = b[first];
+    // The walk reaches the start of the digit run that takes in the difference. If both names
+    // have a digit there, their numbers decide unless equal. If not, the run starts at the
+    // difference and one name has no digit there: the walk ends if that name ends there, and the
+    // whole names decide there if not.
+    std::size_t start = first;
+    while (start > 0 && isDigit(a[start - 1]))
+        --start;
+    if (!isDigit(a[start]) || !isDigit(b[start]))
+        return x == 0 || y == 0 ? lengthDifference(a, b, first) : byteOrder(x, y);
+    const int valueA = runValue(a + start);
+    const int valueB = runValue(b + start);
+    if (valueA != valueB)
+        return wrappingDifference(valueA, valueB);
+    return alphaNumWalk(a, b, start + 1, first);
+}
+
+} // namespace
+
+namespace {
+
+// compareAlphaNum on names of any length.
+[[gnu::noinline]] int alphaNumFromScan(const char *a, const char *b)
+{
+    // Up to the first difference every position goes on: equal non-digits by definition, and
+    // equal digits because their runs are the same bytes up to the same non-digit, or reach the
+    // difference, which is where the walk is resumed from. Only bytes up to the difference are
+    // read, as strcmp does; lengths are taken where the walk ends.
+    const std::size_t first = commonPrefix(a, b);
+    const char x = a[first];
+    const char y = b[first];
+    if (x == y)
+        return 0; // identical names
+    if (isDigit(x) || isDigit(y))
+        return alphaNumFromRun(a, b, first);
+    if (x != 0 && y != 0)
+        return byteOrder(x, y); // the whole names first differ here
+    // One name ends here: the walk ends with the difference of the lengths.
+    return lengthDifference(a, b, first);
+}
+
+} // namespace
+
+int BasePublic::compareAlphaNum(const char *a, const char *b)
+{
+    // Short names, as pins are, go by the flags of one block each, as alphaNumFromScan does.
+    ShortName x;
+    ShortName y;
+    if (!readShort(a, x) || !readShort(b, y))
+        return alphaNumFromScan(a, b);
+    const unsigned first =
+        static_cast<unsigned>(__builtin_ctz(~equalFlags(x, y) | x.end)); // or both end
+    const unsigned at = 1u << first;
+    const int lengths =
+        static_cast<int>(__builtin_ctz(x.end)) - static_cast<int>(__builtin_ctz(y.end));
+    if ((x.digits | y.digits) & at) {
+        const unsigned start = runStart(x.digits, first);
+        if ((x.digits >> start) & (y.digits >> start) & 1) {
+            const unsigned countA = runLength(x.digits, start);
+            const unsigned countB = runLength(y.digits, start);
+            if (countA > 9 || countB > 9)
+                return alphaNumFromScan(a, b); // atoi's own answer beyond an int
+            const int valueA = static_cast<int>(shortRunValue(a, start, countA));
+            const int valueB = static_cast<int>(shortRunValue(b, start, countB));
+            if (valueA != valueB)
+                return valueA - valueB;
+            return alphaNumWalk(a, b, start + 1, first);
+        }
+    }
+    // As in alphaNumFromRun: the walk ends if a name ends here, the whole names decide if not.
+    return (x.end | y.end) & at ? lengths : byteOrder(a[first], b[first]);
 }
 
 namespace {
@@ -112,15 +188,15 @@ std::size_t encodedLength(const char *name)
 }
 
 /*!
- * Whether the encoding of \a name fits its buffer; if not, the trace line that refuses it. The
- * first \a known bytes are known not to end the name. A name of up to alwaysFits bytes always
- * fits, so it is measured only up to that bound.
+ * Whether both names are short enough that their encodings fit whatever they hold. \a span is
+ * where they first differ and where the first of them ends.
  */
-inline bool accepted(const char *name, std::size_t known)
+inline bool shortNames(const char *a, const char *b, bytescan::Span span)
 {
-    if (known <= alwaysFits && known + strnlen(name + known, alwaysFits + 1 - known) <= alwaysFits)
-        return true;
-    return acceptedLongName(name);
+    if (span.end > alwaysFits)
+        return false;
+    const char *longer = a[span.end] ? a : b;
+    return span.end + bytescan::length(longer + span.end) <= alwaysFits;
 }
 
 // The token of the digit run at \a run: its digit count mod 256 and its value mod 2^32.
@@ -230,33 +306,15 @@ int compareEncodings(const char *a, const char *b)
     }
 }
 
-} // namespace
-
-int BasePublic::compareNameNum(const char *a, const char *b)
+/*!
+ * compareNameNum where a digit run reaches \a first, where the names first differ: the run's
+ * token decides, from the start of the run. Out of line, to keep the common path short.
+ */
+[[gnu::noinline]] int nameNumFromRun(const char *a, const char *b, std::size_t first)
 {
-    if (!a || !*a)
-        return -1;
-    if (!b || !*b)
-        return 1;
-    // The length limit comes before any result, so both names are measured first: from where
-    // they first differ on, since up to there each is as long as the other.
-    const std::size_t first = commonPrefix(a, b);
-    if (!accepted(a, first))
-        return 0;
-    if (!accepted(b, first))
-        return 0;
-
     const char x = a[first];
     const char y = b[first];
     const bool digitX = isDigit(x);
-    const bool digitY = isDigit(y);
-    if (!digitX && !digitY) {
-        // Any run before here ended on the same byte in both names, so the encodings are in
-        // step and these two bytes (one may be the end, encoded as zero) decide.
-        return x == y ? 0 : byteOrder(x, y);
-    }
-
-    // A digit run reaches the difference: its token decides, from the start of the run.
     std::size_t start = first;
     while (start > 0 && isDigit(a[start - 1]))
         --start;
@@ -285,4 +343,49 @@ int BasePublic::compareNameNum(const char *a, const char *b)
     // Equal tokens from different text (values that wrapped), or a count byte equal to a plain
     // byte, which puts the encodings out of step: compare them byte by byte.
     return compareEncodings(a + start, b + start);
+}
+
+} // namespace
+
+namespace {
+
+// compareNameNum on names of any length, not null nor empty.
+[[gnu::noinline]] int nameNumFromScan(const char *a, const char *b)
+{
+    // The length limit comes before any result, so both names are measured first.
+    const std::size_t lengthA = bytescan::length(a);
+    const std::size_t lengthB = bytescan::length(b);
+    if ((lengthA > alwaysFits || lengthB > alwaysFits) &&
+        !(acceptedLongName(a) && acceptedLongName(b)))
+        return 0;
+
+    const std::size_t first = bytescan::mismatch(a, b, lengthA < lengthB ? lengthA : lengthB);
+    const char x = a[first];
+    const char y = b[first];
+    if (isDigit(x) || isDigit(y))
+        return nameNumFromRun(a, b, first);
+    // Any run before here ended on the same byte in both names, so the encodings are in step and
+    // these two bytes (one may be the end, encoded as zero) decide.
+    return x == y ? 0 : byteOrder(x, y);
+}
+
+} // namespace
+
+int BasePublic::compareNameNum(const char *a, const char *b)
+{
+    if (!a || !*a)
+        return -1;
+    if (!b || !*b)
+        return 1;
+    // Short names (always within the limit) go by the flags of one block each.
+    ShortName x;
+    ShortName y;
+    if (!readShort(a, x) || !readShort(b, y))
+        return nameNumFromScan(a, b);
+    const unsigned first =
+        static_cast<unsigned>(__builtin_ctz(~equalFlags(x, y) | x.end)); // or both end
+    const unsigned at = 1u << first;
+    if ((x.digits | y.digits) & at)
+        return nameNumFromRun(a, b, first);
+    return x.end & y.end & at ? 0 : byteOrder(a[first], b[first]);
 }

@@ -2,10 +2,10 @@
 #define CORVEKIT_BASEPUBLIC_P_H
 
 // Byte-level helpers shared by the name and pin comparators. Everything here is inline: the
-// comparators sit in the inner loop of sorts over hundreds of thousands of names.
+// comparators sit in the inner loop of sorts over hundreds of thousands of names. The scans over
+// whole names are in bytescan_p.h, which the build picks for the processor.
 
 #include <cstddef>
-#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 
@@ -27,125 +27,6 @@ inline int wrappingDifference(int x, int y)
     return static_cast<int>(static_cast<unsigned>(x) - static_cast<unsigned>(y));
 }
 
-inline unsigned lowestSetBit(std::uint64_t word)
-{
-#if defined(__GNUC__) || defined(__clang__)
-    return static_cast<unsigned>(__builtin_ctzll(word));
-#else
-    unsigned bit = 0;
-    while (!(word & 1)) {
-        word >>= 1;
-        ++bit;
-    }
-    return bit;
-#endif
-}
-
-#if defined(__GNUC__) || defined(__clang__)
-#define CORVEKIT_WORD_SCAN 1
-#define CORVEKIT_NO_SANITIZE_ADDRESS __attribute__((no_sanitize_address))
-
-// Eight bytes from any address, as one load; AddressSanitizer leaves it alone (see scanPair).
-CORVEKIT_NO_SANITIZE_ADDRESS inline std::uint64_t loadWord(const char *bytes)
-{
-    std::uint64_t word;
-    __builtin_memcpy(&word, bytes, sizeof word);
-    return word;
-}
-#else
-#define CORVEKIT_WORD_SCAN 0
-#define CORVEKIT_NO_SANITIZE_ADDRESS
-#endif
-
-// Word flags: the high bit of each byte that is zero, or a digit. Each is exact for the lowest
-// flagged byte of a word; false flags can only lie above a true one, which is all a scan needs.
-constexpr std::uint64_t wordOnes = 0x0101010101010101ull;
-constexpr std::uint64_t wordHighs = 0x8080808080808080ull;
-
-inline std::uint64_t zeroBytes(std::uint64_t word)
-{
-    return (word - wordOnes) & ~word & wordHighs;
-}
-
-inline std::uint64_t digitBytes(std::uint64_t word)
-{
-    const std::uint64_t offset = word ^ (wordOnes * '0'); // digits become 0 to 9
-    return (offset - wordOnes * 10) & ~offset & wordHighs;
-}
-
-#if CORVEKIT_WORD_SCAN && defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
-#define CORVEKIT_WORD_SCAN_LE 1
-#else
-#define CORVEKIT_WORD_SCAN_LE 0
-#endif
-
-/*!
- * Word scans over zero-terminated names, as strcmp and strlen do them: eight bytes at a time,
- * stopping at the first byte that \a wordStop flags (or \a byteStop accepts, near the end of a
- * page). A load may reach past the zero byte of a name, but never into the next page, so it
- * cannot fault, and the bytes past the end never decide: every scan stops at the zero byte.
- * AddressSanitizer is told not to check these loads; Valgrind's memcheck may report them as
- * reads past a block.
- */
-template<typename WordStop, typename ByteStop>
-CORVEKIT_NO_SANITIZE_ADDRESS inline std::size_t scanPair(const char *a, const char *b,
-                                                         WordStop wordStop, ByteStop byteStop)
-{
-    std::size_t i = 0;
-#if CORVEKIT_WORD_SCAN_LE
-    constexpr std::uintptr_t page = 4096;
-    for (;;) {
-        const std::uintptr_t roomA = page - (reinterpret_cast<std::uintptr_t>(a + i) & (page - 1));
-        const std::uintptr_t roomB = page - (reinterpret_cast<std::uintptr_t>(b + i) & (page - 1));
-        std::uintptr_t words = (roomA < roomB ? roomA : roomB) / 8;
-        if (words == 0) {
-            // Eight bytes would reach the next page: one byte only.
-            if (byteStop(a[i], b[i]))
-                return i;
-            ++i;
-            continue;
-        }
-        for (; words > 0; --words, i += 8) {
-            const std::uint64_t x = loadWord(a + i);
-            const std::uint64_t y = loadWord(b + i);
-            if (const std::uint64_t stop = wordStop(x, y))
-                return i + lowestSetBit(stop) / 8;
-        }
-    }
-#else
-    (void)wordStop;
-    while (!byteStop(a[i], b[i]))
-        ++i;
-    return i;
-#endif
-}
-
-// The first index at which \a a and \a b differ or both end.
-inline std::size_t commonPrefix(const char *a, const char *b)
-{
-    return scanPair(
-        a, b, [](std::uint64_t x, std::uint64_t y) { return (x ^ y) | zeroBytes(x); },
-        [](char x, char y) { return x != y || x == 0; });
-}
-
-// The first index at which \a a and \a b differ, both end, or both hold a digit.
-inline std::size_t commonLetters(const char *a, const char *b)
-{
-    return scanPair(
-        a, b,
-        [](std::uint64_t x, std::uint64_t y) { return (x ^ y) | zeroBytes(x) | digitBytes(x); },
-        [](char x, char y) { return x != y || x == 0 || isDigit(x); });
-}
-
-// The number of bytes before the first digit of \a name, or its length if it has none.
-inline std::size_t letterLength(const char *name)
-{
-    // The same name on both sides: the scan stops where the name does.
-    return scanPair(
-        name, name, [](std::uint64_t x, std::uint64_t) { return zeroBytes(x) | digitBytes(x); },
-        [](char x, char) { return x == 0 || isDigit(x); });
-}
-
 /*!
  * atoi of the digit run that starts at \a run. Nine digits cannot overflow an int, so shorter
  * runs are read here; longer ones go to the platform's atoi, whose answer for values beyond an
@@ -163,6 +44,27 @@ inline int runValue(const char *run)
     if (!isDigit(run[9]))
         return static_cast<int>(value);
     return std::atoi(run);
+}
+
+// Flags of short names (bit k for byte k).
+
+// The number of flags from bit \a at on without a gap: the digits of a run that starts there.
+inline unsigned runLength(unsigned digits, unsigned at)
+{
+    return static_cast<unsigned>(__builtin_ctz(~(digits >> at)));
+}
+
+// Where the run of \a digits that reaches up to bit \a at (not included) starts; \a at if none.
+inline unsigned runStart(unsigned digits, unsigned at)
+{
+    const unsigned others = ~digits & ((1u << at) - 1);
+    return others ? 32 - static_cast<unsigned>(__builtin_clz(others)) : 0;
+}
+
+// The index of the lowest flag of \a flags; 32 for none.
+inline unsigned lowest(unsigned flags)
+{
+    return flags ? static_cast<unsigned>(__builtin_ctz(flags)) : 32;
 }
 
 // -1 or 1 from two bytes known to differ, compared unsigned.
