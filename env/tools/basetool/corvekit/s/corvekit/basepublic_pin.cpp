@@ -149,8 +149,8 @@ int BasePublic::comparePinH(const char *a, const char *b)
         return byteOrder(a[i], b[i]); // the whole names first differ here
     if (digitA != digitB)
         return digitA == 32 ? 1 : digitB == 32 ? -1 : static_cast<int>(digitA - digitB);
-    // strncmp over letter parts that differ at their first byte: the difference of those bytes.
-    return static_cast<unsigned char>(a[i]) - static_cast<unsigned char>(b[i]);
+    // Letter parts of the same length: strncmp over them, whose value is the C library's own.
+    return std::strncmp(a + i, b + i, digitA - i);
 }
 
 int BasePublic::comparePinV(const char *a, const char *b)

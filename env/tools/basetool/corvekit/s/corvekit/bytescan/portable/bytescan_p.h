@@ -68,6 +68,15 @@ inline std::size_t length(const char *name)
     return std::strlen(name);
 }
 
+// The first index below \a count at which \a a and \a b differ, or \a count.
+inline std::size_t mismatch(const char *a, const char *b, std::size_t count)
+{
+    std::size_t i = 0;
+    while (i < count && a[i] == b[i])
+        ++i;
+    return i;
+}
+
 /*!
  * A name of at most fifteen bytes, copied. Its flags have bit k for byte k, and only bytes of the
  * name are flagged: \a end flags its zero byte alone.

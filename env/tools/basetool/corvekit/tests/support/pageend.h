@@ -1,0 +1,32 @@
+#ifndef CORVEKIT_TESTS_PAGEEND_H
+#define CORVEKIT_TESTS_PAGEEND_H
+
+#include <cstddef>
+#include <string>
+
+/*!
+ * A readable page followed by one that cannot be read, to put names right before the boundary:
+ * a scan that reads across it faults. One name at a time.
+ */
+class PageEnd
+{
+public:
+    PageEnd();
+    ~PageEnd();
+    PageEnd(const PageEnd &) = delete;
+    PageEnd &operator=(const PageEnd &) = delete;
+
+    bool isValid() const { return m_readable != nullptr; }
+
+    /*!
+     * Copies \a name with its zero byte so that \a slack bytes of the page follow the zero byte
+     * (0: the zero byte is the last readable byte). Returns the copy.
+     */
+    const char *place(const std::string &name, std::size_t slack = 0);
+
+private:
+    char *m_readable = nullptr;
+    std::size_t m_pageSize = 0;
+};
+
+#endif

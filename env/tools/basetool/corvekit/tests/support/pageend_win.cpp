@@ -1,0 +1,35 @@
+#include "pageend.h"
+
+#include <windows.h>
+
+#include <cstring>
+
+PageEnd::PageEnd()
+{
+    SYSTEM_INFO system;
+    GetSystemInfo(&system);
+    m_pageSize = system.dwPageSize;
+    void *pages = VirtualAlloc(nullptr, 2 * m_pageSize, MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE);
+    if (!pages)
+        return;
+    char *first = static_cast<char *>(pages);
+    DWORD previous = 0;
+    if (!VirtualProtect(first + m_pageSize, m_pageSize, PAGE_NOACCESS, &previous)) {
+        VirtualFree(pages, 0, MEM_RELEASE);
+        return;
+    }
+    m_readable = first;
+}
+
+PageEnd::~PageEnd()
+{
+    if (m_readable)
+        VirtualFree(m_readable, 0, MEM_RELEASE);
+}
+
+const char *PageEnd::place(const std::string &name, std::size_t slack)
+{
+    char *copy = m_readable + m_pageSize - slack - name.size() - 1;
+    std::memcpy(copy, name.c_str(), name.size() + 1);
+    return copy;
+}
