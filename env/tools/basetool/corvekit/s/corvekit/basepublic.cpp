@@ -19,6 +19,7 @@ using basepublic_p::wrappingDifference;
 using bytescan::commonPrefix;
 using bytescan::equalFlags;
 using bytescan::readShort;
+using bytescan::readShortBytes;
 using bytescan::ShortName;
 using bytescan::shortRunValue;
 
@@ -34,7 +35,7 @@ BasePublic &BasePublic::operator=(BasePublic &&) noexcept
 
 namespace {
 
-// The length of both names, from where they first differ or one ends, as the walk's result.
+// The first name's length minus the second's, as the walk ends; they are equal up to \a from.
 int lengthDifference(const char *a, const char *b, std::size_t from)
 {
     const std::size_t lengthA = from + bytescan::length(a + from);
@@ -89,10 +90,6 @@ int lengthDifference(const char *a, const char *b, std::size_t from)
         return wrappingDifference(valueA, valueB);
     return alphaNumWalk(a, b, start + 1, first);
 }
-
-} // namespace
-
-namespace {
 
 // compareAlphaNum on names of any length.
 [[gnu::noinline]] int alphaNumFromScan(const char *a, const char *b)
@@ -185,18 +182,6 @@ std::size_t encodedLength(const char *name)
             .arg(QString::fromUtf8(name));
     diagTrace(text.toLatin1().constData(), "BasePublic::NameNumCompare");
     return false;
-}
-
-/*!
- * Whether both names are short enough that their encodings fit whatever they hold. \a span is
- * where they first differ and where the first of them ends.
- */
-inline bool shortNames(const char *a, const char *b, bytescan::Span span)
-{
-    if (span.end > alwaysFits)
-        return false;
-    const char *longer = a[span.end] ? a : b;
-    return span.end + bytescan::length(longer + span.end) <= alwaysFits;
 }
 
 // The token of the digit run at \a run: its digit count mod 256 and its value mod 2^32.
@@ -345,11 +330,7 @@ int compareEncodings(const char *a, const char *b)
     return compareEncodings(a + start, b + start);
 }
 
-} // namespace
-
-namespace {
-
-// compareNameNum on names of any length, not null nor empty.
+// compareNameNum on names of any length, neither null nor empty.
 [[gnu::noinline]] int nameNumFromScan(const char *a, const char *b)
 {
     // The length limit comes before any result, so both names are measured first.
@@ -377,15 +358,16 @@ int BasePublic::compareNameNum(const char *a, const char *b)
         return -1;
     if (!b || !*b)
         return 1;
-    // Short names (always within the limit) go by the flags of one block each.
+    // Short names, always within the limit, are compared as one block each.
     ShortName x;
     ShortName y;
-    if (!readShort(a, x) || !readShort(b, y))
+    if (!readShortBytes(a, x) || !readShortBytes(b, y))
         return nameNumFromScan(a, b);
     const unsigned first =
         static_cast<unsigned>(__builtin_ctz(~equalFlags(x, y) | x.end)); // or both end
-    const unsigned at = 1u << first;
-    if ((x.digits | y.digits) & at)
+    const char p = a[first];
+    const char q = b[first];
+    if (isDigit(p) || isDigit(q))
         return nameNumFromRun(a, b, first);
-    return x.end & y.end & at ? 0 : byteOrder(a[first], b[first]);
+    return p == q ? 0 : byteOrder(p, q);
 }

@@ -5,16 +5,17 @@
 
 #include <cstring>
 
-PageEnd::PageEnd()
+PageEnd::PageEnd(std::size_t capacity)
 {
     m_pageSize = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
-    void *pages = mmap(nullptr, 2 * m_pageSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS,
-                       -1, 0);
+    m_readableSize = (capacity + m_pageSize - 1) / m_pageSize * m_pageSize;
+    void *pages = mmap(nullptr, m_readableSize + m_pageSize, PROT_READ | PROT_WRITE,
+                       MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (pages == MAP_FAILED)
         return;
     char *first = static_cast<char *>(pages);
-    if (mprotect(first + m_pageSize, m_pageSize, PROT_NONE) != 0) {
-        munmap(pages, 2 * m_pageSize);
+    if (mprotect(first + m_readableSize, m_pageSize, PROT_NONE) != 0) {
+        munmap(pages, m_readableSize + m_pageSize);
         return;
     }
     m_readable = first;
@@ -23,12 +24,14 @@ PageEnd::PageEnd()
 PageEnd::~PageEnd()
 {
     if (m_readable)
-        munmap(m_readable, 2 * m_pageSize);
+        munmap(m_readable, m_readableSize + m_pageSize);
 }
 
 const char *PageEnd::place(const std::string &name, std::size_t slack)
 {
-    char *copy = m_readable + m_pageSize - slack - name.size() - 1;
+    if (!m_readable || name.size() + 1 + slack > m_readableSize)
+        return nullptr;
+    char *copy = m_readable + m_readableSize - slack - name.size() - 1;
     std::memcpy(copy, name.c_str(), name.size() + 1);
     return copy;
 }

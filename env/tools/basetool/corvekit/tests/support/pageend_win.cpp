@@ -4,17 +4,19 @@
 
 #include <cstring>
 
-PageEnd::PageEnd()
+PageEnd::PageEnd(std::size_t capacity)
 {
     SYSTEM_INFO system;
     GetSystemInfo(&system);
     m_pageSize = system.dwPageSize;
-    void *pages = VirtualAlloc(nullptr, 2 * m_pageSize, MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE);
+    m_readableSize = (capacity + m_pageSize - 1) / m_pageSize * m_pageSize;
+    void *pages = VirtualAlloc(nullptr, m_readableSize + m_pageSize, MEM_COMMIT | MEM_RESERVE,
+                               PAGE_READWRITE);
     if (!pages)
         return;
     char *first = static_cast<char *>(pages);
     DWORD previous = 0;
-    if (!VirtualProtect(first + m_pageSize, m_pageSize, PAGE_NOACCESS, &previous)) {
+    if (!VirtualProtect(first + m_readableSize, m_pageSize, PAGE_NOACCESS, &previous)) {
         VirtualFree(pages, 0, MEM_RELEASE);
         return;
     }
@@ -29,7 +31,9 @@ PageEnd::~PageEnd()
 
 const char *PageEnd::place(const std::string &name, std::size_t slack)
 {
-    char *copy = m_readable + m_pageSize - slack - name.size() - 1;
+    if (!m_readable || name.size() + 1 + slack > m_readableSize)
+        return nullptr;
+    char *copy = m_readable + m_readableSize - slack - name.size() - 1;
     std::memcpy(copy, name.c_str(), name.size() + 1);
     return copy;
 }

@@ -10,12 +10,6 @@
 
 namespace bytescan {
 
-struct Span
-{
-    std::size_t common; // where the names first differ or both end
-    std::size_t end;    // where the first of them ends
-};
-
 namespace detail {
 
 inline bool isDigit(char c)
@@ -50,16 +44,6 @@ inline std::size_t letterLength(const char *name)
     while (name[i] != 0 && !detail::isDigit(name[i]))
         ++i;
     return i;
-}
-
-// Where \a a and \a b first differ or both end (commonPrefix), and where the first of them ends.
-inline Span span(const char *a, const char *b)
-{
-    const std::size_t common = commonPrefix(a, b);
-    std::size_t end = common;
-    while (a[end] != 0 && b[end] != 0)
-        ++end;
-    return {common, end};
 }
 
 // The length of \a name, as strlen gives it.
@@ -104,6 +88,12 @@ inline bool readShort(const char *name, ShortName &out)
             out.digits |= 1u << k;
     }
     return false;
+}
+
+// Reads \a name into \a out if it has at most fifteen bytes (digit flags included).
+inline bool readShortBytes(const char *name, ShortName &out)
+{
+    return readShort(name, out);
 }
 
 // Flags of the places where two short names hold the same byte (valid up to the end of each).

@@ -17,17 +17,12 @@
 #include <cstdint>
 #include <cstring>
 
+// The loads of a block that may reach outside a name.
+#define CORVEKIT_BYTESCAN_UNCHECKED __attribute__((no_sanitize_address))
+
 namespace bytescan {
 
-struct Span
-{
-    std::size_t common; // where the names first differ or both end
-    std::size_t end;    // where the first of them ends
-};
-
 namespace detail {
-
-#define CORVEKIT_BYTESCAN_UNCHECKED __attribute__((no_sanitize_address))
 
 constexpr std::size_t blockSize = 16;
 constexpr std::uintptr_t pageSize = 4096;
@@ -190,45 +185,22 @@ CORVEKIT_BYTESCAN_UNCHECKED inline std::size_t length(const char *name)
 }
 
 /*!
- * Where \a a and \a b first differ or both end (commonPrefix), and where the first of them
- * ends. The second walk starts where the first one stopped and takes two blocks a step, since it
- * usually runs to the end of the names.
- */
-CORVEKIT_BYTESCAN_UNCHECKED inline Span span(const char *a, const char *b)
-{
-    using namespace detail;
-    const std::size_t common = commonPrefix(a, b);
-    std::size_t i = common;
-    for (;;) {
-        const std::uintptr_t offsetA = reinterpret_cast<std::uintptr_t>(a + i) & (pageSize - 1);
-        const std::uintptr_t offsetB = reinterpret_cast<std::uintptr_t>(b + i) & (pageSize - 1);
-        std::size_t steps = (pageSize - (offsetA > offsetB ? offsetA : offsetB)) / (2 * blockSize);
-        if (steps == 0) {
-            if (a[i] == 0 || b[i] == 0)
-                return {common, i};
-            ++i;
-            continue;
-        }
-        do {
-            // A byte of either name is zero where their minimum is.
-            const __m128i low = _mm_min_epu8(load(a + i), load(b + i));
-            const __m128i high = _mm_min_epu8(load(a + i + blockSize), load(b + i + blockSize));
-            if (flagBits(zeros(_mm_min_epu8(low, high))) != 0) {
-                const unsigned flags = flagBits(zeros(low)) | flagBits(zeros(high)) << blockSize;
-                return {common, i + static_cast<unsigned>(__builtin_ctz(flags))};
-            }
-            i += 2 * blockSize;
-        } while (--steps > 0);
-    }
-}
-
-/*!
  * The first index below \a count at which \a a and \a b differ, or \a count. Reads the first
- * \a count bytes of each and nothing else.
+ * \a count bytes of each, and below sixteen the rest of a block that lies in the same page.
  */
-inline std::size_t mismatch(const char *a, const char *b, std::size_t count)
+CORVEKIT_BYTESCAN_UNCHECKED inline std::size_t mismatch(const char *a, const char *b,
+                                                        std::size_t count)
 {
     using namespace detail;
+    if (count < blockSize) {
+        // Short names: one block each where it lies in one page, the flags past count dropped.
+        const std::uintptr_t offsetA = reinterpret_cast<std::uintptr_t>(a) & (pageSize - 1);
+        const std::uintptr_t offsetB = reinterpret_cast<std::uintptr_t>(b) & (pageSize - 1);
+        if ((offsetA > offsetB ? offsetA : offsetB) <= pageSize - blockSize) {
+            const unsigned flags = flagBits(differences(load(a), load(b))) | (~0u << count);
+            return static_cast<unsigned>(__builtin_ctz(flags));
+        }
+    }
     std::size_t i = 0;
     for (; i + blockSize <= count; i += blockSize) {
         if (const unsigned flags = flagBits(differences(load(a + i), load(b + i))))
@@ -247,7 +219,8 @@ inline std::size_t mismatch(const char *a, const char *b, std::size_t count)
 
 /*!
  * A name of at most fifteen bytes, read as one block. Its flags have bit k for byte k, and only
- * bytes of the name are flagged: \a end flags its zero byte alone.
+ * bytes of the name are flagged: \a end flags its zero byte alone. \a digits is left unset by
+ * readShortBytes.
  */
 struct ShortName
 {
@@ -256,8 +229,11 @@ struct ShortName
     unsigned digits;
 };
 
-// Reads \a name into \a out if its sixteen bytes lie in one page and hold its end.
-CORVEKIT_BYTESCAN_UNCHECKED inline bool readShort(const char *name, ShortName &out)
+/*!
+ * Reads \a name into \a out if its sixteen bytes lie in one page and hold its end, all but the
+ * digit flags.
+ */
+CORVEKIT_BYTESCAN_UNCHECKED inline bool readShortBytes(const char *name, ShortName &out)
 {
     using namespace detail;
     if ((reinterpret_cast<std::uintptr_t>(name) & (pageSize - 1)) > pageSize - blockSize)
@@ -265,8 +241,17 @@ CORVEKIT_BYTESCAN_UNCHECKED inline bool readShort(const char *name, ShortName &o
     out.bytes = load(name);
     const unsigned zeroFlags = flagBits(zeros(out.bytes));
     out.end = zeroFlags & (0u - zeroFlags);
-    out.digits = flagBits(digits(out.bytes)) & (out.end - 1);
     return zeroFlags != 0;
+}
+
+// Reads \a name into \a out if its sixteen bytes lie in one page and hold its end.
+inline bool readShort(const char *name, ShortName &out)
+{
+    using namespace detail;
+    if (!readShortBytes(name, out))
+        return false;
+    out.digits = flagBits(digits(out.bytes)) & (out.end - 1);
+    return true;
 }
 
 // Flags of the places where two short names hold the same byte (valid up to the end of each).
