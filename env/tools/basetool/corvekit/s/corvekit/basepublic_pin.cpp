@@ -170,7 +170,9 @@ int BasePublic::comparePinV(const char *a, const char *b)
         return numbers;
     if (letterA != letterB)
         return letterA < letterB ? -1 : 1;
-    const unsigned differ = ~equalFlags(x, y) & ((1u << letterA) - 1);
+    const unsigned stop = x.digits | x.end;
+    const unsigned letters = (stop & (0u - stop)) - 1; // the flags below the lowest stop
+    const unsigned differ = ~equalFlags(x, y) & letters;
     if (!differ)
         return 0;
     const unsigned k = static_cast<unsigned>(__builtin_ctz(differ));
