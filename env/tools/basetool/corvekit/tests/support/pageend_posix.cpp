@@ -3,8 +3,6 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include <cstring>
-
 PageEnd::PageEnd(std::size_t capacity)
 {
     m_pageSize = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
@@ -25,13 +23,4 @@ PageEnd::~PageEnd()
 {
     if (m_readable)
         munmap(m_readable, m_readableSize + m_pageSize);
-}
-
-const char *PageEnd::place(const std::string &name, std::size_t slack)
-{
-    if (!m_readable || name.size() + 1 + slack > m_readableSize)
-        return nullptr;
-    char *copy = m_readable + m_readableSize - slack - name.size() - 1;
-    std::memcpy(copy, name.c_str(), name.size() + 1);
-    return copy;
 }

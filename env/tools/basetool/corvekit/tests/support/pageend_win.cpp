@@ -2,8 +2,6 @@
 
 #include <windows.h>
 
-#include <cstring>
-
 PageEnd::PageEnd(std::size_t capacity)
 {
     SYSTEM_INFO system;
@@ -27,13 +25,4 @@ PageEnd::~PageEnd()
 {
     if (m_readable)
         VirtualFree(m_readable, 0, MEM_RELEASE);
-}
-
-const char *PageEnd::place(const std::string &name, std::size_t slack)
-{
-    if (!m_readable || name.size() + 1 + slack > m_readableSize)
-        return nullptr;
-    char *copy = m_readable + m_readableSize - slack - name.size() - 1;
-    std::memcpy(copy, name.c_str(), name.size() + 1);
-    return copy;
 }
