@@ -213,7 +213,6 @@ public:
     {}
 
     bool atRun() const { return m_pending == 0 && isDigit(*m_next); }
-    bool atByte() const { return m_pending == 0 && !isDigit(*m_next); }
     bool ended() const { return m_ended; }
 
     // Reads a whole run at once; only when atRun().

@@ -67,13 +67,13 @@ inline bool isDigit(char c)
 }
 
 /*!
- * Walks \a a and \a b with one index: \a onBlock sees the sixteen bytes of each from an index,
- * \a onByte one byte of each where sixteen would reach into the next page of either. Each says
- * whether the walk stops; one of them must stop it at the latest where a name ends.
+ * The first index at which \a stopBlock flags a byte of \a a's and \a b's blocks, or, where
+ * sixteen bytes would reach into the next page of either, \a stopByte accepts their bytes. One of
+ * them must stop the scan at the latest where a name ends.
  */
-template<typename OnBlock, typename OnByte>
-CORVEKIT_BYTESCAN_UNCHECKED inline void walkPair(const char *a, const char *b, OnBlock onBlock,
-                                                 OnByte onByte)
+template<typename StopBlock, typename StopByte>
+CORVEKIT_BYTESCAN_UNCHECKED inline std::size_t scanPair(const char *a, const char *b,
+                                                        StopBlock stopBlock, StopByte stopByte)
 {
     std::size_t i = 0;
     for (;;) {
@@ -81,38 +81,17 @@ CORVEKIT_BYTESCAN_UNCHECKED inline void walkPair(const char *a, const char *b, O
         const std::uintptr_t offsetB = reinterpret_cast<std::uintptr_t>(b + i) & (pageSize - 1);
         std::size_t blocks = (pageSize - (offsetA > offsetB ? offsetA : offsetB)) / blockSize;
         if (blocks == 0) {
-            if (onByte(i, a[i], b[i]))
-                return;
+            if (stopByte(a[i], b[i]))
+                return i;
             ++i;
             continue;
         }
         do {
-            if (onBlock(i, load(a + i), load(b + i)))
-                return;
+            if (const unsigned flags = flagBits(stopBlock(load(a + i), load(b + i))))
+                return i + static_cast<unsigned>(__builtin_ctz(flags));
             i += blockSize;
         } while (--blocks > 0);
     }
-}
-
-// The first index at which \a stopBlock flags a byte of \a a's and \a b's blocks, or \a stopByte
-// accepts their bytes.
-template<typename StopBlock, typename StopByte>
-CORVEKIT_BYTESCAN_UNCHECKED inline std::size_t scanPair(const char *a, const char *b,
-                                                        StopBlock stopBlock, StopByte stopByte)
-{
-    std::size_t at = 0;
-    walkPair(
-        a, b,
-        [&](std::size_t i, __m128i x, __m128i y) {
-            const unsigned flags = flagBits(stopBlock(x, y));
-            at = i + static_cast<unsigned>(__builtin_ctz(flags | 0x10000));
-            return flags != 0;
-        },
-        [&](std::size_t i, char x, char y) {
-            at = i;
-            return stopByte(x, y);
-        });
-    return at;
 }
 
 /*!
