@@ -119,6 +119,24 @@ public:
         return name;
     }
 
+    // Pin names: a letter part of up to 9 non-digits and a number of up to 9 digits, sometimes
+    // with leading zeros or without digits, sometimes with a tail; about where the letter part
+    // and the number stop fitting in a short name's first word.
+    std::string pin()
+    {
+        std::string name;
+        const int letters = number(0, 9);
+        while (static_cast<int>(name.size()) < letters) {
+            const char byte = someByte();
+            if (byte < '0' || byte > '9')
+                name += byte;
+        }
+        if (chance(85))
+            name += digits(number(1, 9), chance(15) ? number(1, 3) : 0);
+        if (chance(20))
+            name += someByte() + digits(number(0, 2));
+        return name;
+    }
     // Runs whose values lie around 2^31 and 2^32 and beyond what strtol reads.
     std::string overflowing()
     {
@@ -562,6 +580,7 @@ void TestBasePublic::matchesReference_data()
     QTest::newRow("around the length limit") << 3 << 1500;
     QTest::newRow("count bytes and 256-digit runs") << 4 << 20000;
     QTest::newRow("close relatives") << 5 << 40000;
+    QTest::newRow("pin names") << 6 << 40000;
 }
 
 void TestBasePublic::matchesReference()
@@ -581,8 +600,10 @@ void TestBasePublic::matchesReference()
             return maker.nearLimit();
         case 4:
             return maker.countEdges();
-        default:
+        case 5:
             return maker.chance(50) ? maker.withRuns(6) : maker.shortName();
+        default:
+            return maker.pin();
         }
     };
     for (int i = 0; i < pairs; ++i) {

@@ -83,35 +83,70 @@ const char *nextDigit(const char *name)
 }
 
 /*!
- * The order of the first numbers of two short names, which start at \a letterA and \a letterB
- * with \a countA and \a countB digits (0 for none, which counts as number 0). Numbers in the
- * first eight bytes without a leading zero compare as text, by their digit count and then by
- * their bytes; others are read.
+ * comparePinV on two names that readShort takes. Out of line, and reading them again, so that
+ * the path of pins below, which takes nearly every pair, keeps them in registers.
  */
-inline int compareShortNumbers(const char *a, const ShortName &x, unsigned letterA, unsigned countA,
-                               const char *b, const ShortName &y, unsigned letterB, unsigned countB)
+[[gnu::noinline]] int pinVShort(const char *a, const char *b)
 {
-    const std::uint64_t wordA = firstWord(x);
-    const std::uint64_t wordB = firstWord(y);
-    if (letterA + countA <= 8 && letterB + countB <= 8) {
-        // A run's bytes, first digit in the highest byte of the word: compared as numbers, the
-        // words order runs of the same count as text.
-        const auto runText = [](std::uint64_t word, unsigned letter, unsigned count) {
-            return count ? __builtin_bswap64((word >> (8 * letter)) &
-                                             (~std::uint64_t(0) >> (64 - 8 * count)))
-                         : 0;
-        };
-        const std::uint64_t textA = runText(wordA, letterA, countA);
-        const std::uint64_t textB = runText(wordB, letterB, countB);
-        if ((textA >> 56) != '0' && (textB >> 56) != '0') {
-            if (countA != countB)
-                return countA < countB ? -1 : 1;
-            return textA == textB ? 0 : textA < textB ? -1 : 1;
-        }
-    }
+    ShortName x;
+    ShortName y;
+    if (!readShort(a, x) || !readShort(b, y))
+        return pinVFromScan(a, b); // not taken: the caller has read both
+    const unsigned letterA = static_cast<unsigned>(__builtin_ctz(x.digits | x.end));
+    const unsigned letterB = static_cast<unsigned>(__builtin_ctz(y.digits | y.end));
+    const unsigned countA = runLength(x.digits, letterA);
+    const unsigned countB = runLength(y.digits, letterB);
+    if (countA > 9 || countB > 9)
+        return pinVFromScan(a, b); // atoi's own answer beyond an int
     const std::uint32_t numberA = countA ? shortRunValue(a, letterA, countA) : 0;
     const std::uint32_t numberB = countB ? shortRunValue(b, letterB, countB) : 0;
-    return numberA == numberB ? 0 : numberA < numberB ? -1 : 1;
+    if (numberA != numberB)
+        return numberA < numberB ? -1 : 1;
+    if (letterA != letterB)
+        return letterA < letterB ? -1 : 1;
+    const unsigned letters = (1u << letterA) - 1;
+    const unsigned differ = ~equalFlags(x, y) & letters;
+    if (!differ)
+        return 0;
+    const unsigned k = static_cast<unsigned>(__builtin_ctz(differ));
+    return byteOrder(a[k], b[k]);
+}
+
+/*!
+ * A short name as one key that orders pins as comparePinV does: its number first, then the
+ * length of its letter part, then the bytes of that part. It holds where the letter part and the
+ * number lie in the first seven bytes and the number has no leading zero. The number is its
+ * digits read as one big-endian integer: without a leading zero, more digits make a greater
+ * integer, and the same number of digits compares as text, so the integers order the numbers as
+ * their values do. A name without a number has 0 there.
+ */
+struct PinVKey
+{
+    unsigned __int128 value;
+    bool holds;
+};
+
+inline PinVKey pinVKey(const ShortName &name)
+{
+    const std::uint64_t word = firstWord(name);
+    const unsigned letter = static_cast<unsigned>(__builtin_ctz(name.digits | name.end));
+    const unsigned count = runLength(name.digits, letter);
+    // Shift counts are kept in range for names whose key doesn't hold; that key is dropped.
+    const std::uint64_t run = word >> ((8 * letter) & 63);
+    const std::uint64_t number = (__builtin_bswap64(run) >> 1) >> ((63 - 8 * count) & 63);
+    const std::uint64_t letters =
+        __builtin_bswap64(word) & ~(~std::uint64_t(0) >> ((8 * letter) & 63));
+    PinVKey key;
+    key.value = (static_cast<unsigned __int128>(number) << 64) | (std::uint64_t(letter) << 56) |
+                (letters >> 8);
+    key.holds = letter + count <= 7 && (run & 0xFF) != '0';
+    return key;
+}
+
+template<typename T>
+inline int order(T x, T y)
+{
+    return (x > y) - (x < y);
 }
 
 } // namespace
@@ -155,26 +190,15 @@ int BasePublic::comparePinH(const char *a, const char *b)
 
 int BasePublic::comparePinV(const char *a, const char *b)
 {
+    // Pins are short: each name becomes one key, built with no branch on its bytes (a sort
+    // cannot predict them), and the keys are compared once.
     ShortName x;
     ShortName y;
     if (!readShort(a, x) || !readShort(b, y))
         return pinVFromScan(a, b);
-    const unsigned letterA = static_cast<unsigned>(__builtin_ctz(x.digits | x.end));
-    const unsigned letterB = static_cast<unsigned>(__builtin_ctz(y.digits | y.end));
-    const unsigned countA = runLength(x.digits, letterA);
-    const unsigned countB = runLength(y.digits, letterB);
-    if (countA > 9 || countB > 9)
-        return pinVFromScan(a, b); // atoi's own answer beyond an int
-    const int numbers = compareShortNumbers(a, x, letterA, countA, b, y, letterB, countB);
-    if (numbers != 0)
-        return numbers;
-    if (letterA != letterB)
-        return letterA < letterB ? -1 : 1;
-    const unsigned stop = x.digits | x.end;
-    const unsigned letters = (stop & (0u - stop)) - 1; // the flags below the lowest stop
-    const unsigned differ = ~equalFlags(x, y) & letters;
-    if (!differ)
-        return 0;
-    const unsigned k = static_cast<unsigned>(__builtin_ctz(differ));
-    return byteOrder(a[k], b[k]);
+    const PinVKey keyA = pinVKey(x);
+    const PinVKey keyB = pinVKey(y);
+    if (!(keyA.holds && keyB.holds))
+        return pinVShort(a, b);
+    return order(keyA.value, keyB.value);
 }
