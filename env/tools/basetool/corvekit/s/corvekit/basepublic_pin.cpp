@@ -83,6 +83,18 @@ const char *nextDigit(const char *name)
 }
 
 /*!
+ * The value of a pin number of one digit, or of two where \a twoDigits is set, at the start of
+ * \a run (the first byte lowest). Pin numbers have one or two digits, in no order that a sort
+ * could predict, so neither the digit count nor the value is a branch.
+ */
+inline int pinNumber(std::uint64_t run, unsigned twoDigits)
+{
+    const unsigned first = static_cast<unsigned>(run) & 0xF;
+    const unsigned both = first * 10 + (static_cast<unsigned>(run >> 8) & 0xF);
+    return static_cast<int>(twoDigits ? both : first);
+}
+
+/*!
  * comparePinV on two names that readShort takes. Out of line, and reading them again, so that
  * the path of pins below, which takes nearly every pair, keeps them in registers.
  */
@@ -161,6 +173,14 @@ int BasePublic::comparePinH(const char *a, const char *b)
     const unsigned i = static_cast<unsigned>(__builtin_ctz(~equalFlags(x, y) | x.end | x.digits));
     const unsigned at = 1u << i;
     if (x.digits & y.digits & at) {
+        // Both numbers start here. Pin numbers, of one or two digits in the first word, are read
+        // from it; other numbers from the names.
+        const unsigned runA = x.digits >> i;
+        const unsigned runB = y.digits >> i;
+        if (i <= 6 && ((runA | runB) & 4) == 0) {
+            return pinNumber(firstWord(x) >> (8 * i), runA & 2) -
+                   pinNumber(firstWord(y) >> (8 * i), runB & 2);
+        }
         const unsigned countA = runLength(x.digits, i);
         const unsigned countB = runLength(y.digits, i);
         if (countA > 9 || countB > 9)
