@@ -11,31 +11,28 @@ using basepublic_p::lowest;
 using basepublic_p::runLength;
 using basepublic_p::runValue;
 using basepublic_p::wrappingDifference;
-using bytescan::commonLetters;
 using bytescan::equalFlags;
 using bytescan::firstWord;
 using bytescan::letterLength;
+using bytescan::mismatch;
 using bytescan::readShort;
 using bytescan::ShortName;
 using bytescan::shortRunValue;
 
 namespace {
 
-// The first digit at or after \a name, or null if the name has none left.
-const char *nextDigit(const char *name)
-{
-    const char *digit = name + letterLength(name);
-    return *digit ? digit : nullptr;
-}
-
 /*!
- * comparePinH on names of any length, a walk as defined. Out of line, so that the path of short
- * names saves no registers.
+ * comparePinH on names of any length. Out of line, so that the path of short names saves no
+ * registers.
  */
 [[gnu::noinline]] int pinHFromScan(const char *a, const char *b)
 {
-    // Equal non-digits go on; the walk stops at the first digit even where both names have it.
-    const std::size_t i = commonLetters(a, b);
+    // The walk passes equal non-digits and stops at the first digits, so it stops within the
+    // shorter letter part, and where it stops at two different non-digits, the digits that follow
+    // them are the first digits of the names. Both letter parts are measured first.
+    const std::size_t letterA = letterLength(a);
+    const std::size_t letterB = letterLength(b);
+    const std::size_t i = mismatch(a, b, letterA < letterB ? letterA : letterB);
     const char x = a[i];
     const char y = b[i];
     const bool digitX = isDigit(x);
@@ -50,19 +47,18 @@ const char *nextDigit(const char *name)
         return 1;
 
     // Two different non-digits, one of which may be the end of its name.
-    const char *digitA = x ? nextDigit(a + i + 1) : nullptr;
-    const char *digitB = y ? nextDigit(b + i + 1) : nullptr;
-    if (!digitA && !digitB)
+    const bool numberA = a[letterA] != 0;
+    const bool numberB = b[letterB] != 0;
+    if (!numberA && !numberB)
         return byteOrder(x, y); // the whole names first differ here
-    if (!digitA)
+    if (!numberA)
         return 1;
-    if (!digitB)
+    if (!numberB)
         return -1;
-    const std::ptrdiff_t lengthA = digitA - (a + i);
-    const std::ptrdiff_t lengthB = digitB - (b + i);
-    if (lengthA != lengthB)
-        return static_cast<int>(lengthA - lengthB);
-    return std::strncmp(a + i, b + i, static_cast<std::size_t>(lengthA));
+    if (letterA != letterB)
+        return static_cast<int>(static_cast<std::ptrdiff_t>(letterA) -
+                                static_cast<std::ptrdiff_t>(letterB));
+    return std::strncmp(a + i, b + i, letterA - i);
 }
 
 // comparePinV on names of any length.

@@ -28,15 +28,6 @@ inline std::size_t commonPrefix(const char *a, const char *b)
     return i;
 }
 
-// The first index at which \a a and \a b differ, both end, or both hold a digit.
-inline std::size_t commonLetters(const char *a, const char *b)
-{
-    std::size_t i = 0;
-    while (a[i] == b[i] && a[i] != 0 && !detail::isDigit(a[i]))
-        ++i;
-    return i;
-}
-
 // The number of bytes before the first digit of \a name, or its length if it has none.
 inline std::size_t letterLength(const char *name)
 {

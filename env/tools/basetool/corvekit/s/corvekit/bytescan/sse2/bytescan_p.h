@@ -61,11 +61,6 @@ inline unsigned flagBits(__m128i flags)
     return static_cast<unsigned>(_mm_movemask_epi8(flags));
 }
 
-inline bool isDigit(char c)
-{
-    return static_cast<unsigned char>(c - '0') < 10;
-}
-
 /*!
  * The first index at which \a stopBlock flags a byte of \a a's and \a b's blocks, or, where
  * sixteen bytes would reach into the next page of either, \a stopByte accepts their bytes. One of
@@ -127,18 +122,6 @@ inline std::size_t commonPrefix(const char *a, const char *b)
         // Equal bytes keep their value, different ones become zero: a zero flags either.
         [](__m128i x, __m128i y) { return zeros(_mm_min_epu8(x, _mm_cmpeq_epi8(x, y))); },
         [](char x, char y) { return x != y || x == 0; });
-}
-
-// The first index at which \a a and \a b differ, both end, or both hold a digit.
-inline std::size_t commonLetters(const char *a, const char *b)
-{
-    using namespace detail;
-    return scanPair(
-        a, b,
-        [](__m128i x, __m128i y) {
-            return _mm_or_si128(differences(x, y), _mm_or_si128(zeros(x), digits(x)));
-        },
-        [](char x, char y) { return x != y || x == 0 || isDigit(x); });
 }
 
 // The number of bytes before the first digit of \a name, or its length if it has none.
