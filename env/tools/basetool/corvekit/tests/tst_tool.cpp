@@ -49,9 +49,8 @@ static bool matches(QByteArray actual, QByteArray expected)
         expected.replace('\'', '"');
     }
     QString pattern = QRegularExpression::escape(QString::fromLatin1(expected));
-    pattern.replace(QRegularExpression::escape(QString::fromLatin1("…")), QStringLiteral(".*"));
-    const QRegularExpression whole(QRegularExpression::anchoredPattern(pattern),
-                                   QRegularExpression::DotMatchesEverythingOption);
+    pattern.replace(QRegularExpression::escape(QString::fromLatin1("…")), "(?s:.*)");
+    const QRegularExpression whole(QRegularExpression::anchoredPattern(pattern));
     return whole.match(QString::fromLatin1(actual)).hasMatch();
 }
 
@@ -62,10 +61,9 @@ static void row(const char *name, const QString &arguments, int exitCode, const 
 }
 
 // A row where the tool writes nothing but one error line.
-static void failure(const char *name, const QString &arguments, int exitCode,
-                    const QByteArray &message)
+static void failure(const char *name, const QString &arguments, int status, const QByteArray &line)
 {
-    row(name, arguments, exitCode, "", "corvekit: " + message + '\n');
+    row(name, arguments, status, "", "corvekit: " + line + '\n');
 }
 
 class TestTool : public QObject
@@ -90,11 +88,13 @@ void TestTool::run_data()
     row("env", "env --project project/", 0,
         "installRoot:   $T/installation\n…\n  project:     $T/project/.setting.ini\n…");
     row("version of a group", "version --group Solvane --pattern major-minor --json", 0,
-        "{…'pattern':'major-minor','suffix':'Beta','version':'4.3',…}");
+        "{…'patch':'SP1','pattern':'major-minor','suffix':'Beta','version':'4.3',…}");
     row("version without its file", "version", 1, "",
         "corvekit: project/data/zeksys.ini: no version file\n", "install root without data");
     row("tools", "tools --project project/ --json", 0,
-        "{'defaults':false,…'level':'user','name':'activehdl','source':'setting'}…}");
+        "{'defaults':false,'simulator':{…'name':'QuestaSim'},'synplify':{…},'tools':[…'level':'"
+        "user',"
+        "'name':'activehdl','source':'setting'}…]}");
     row("filter", "filter netlist Netlists --project project/", 0,
         "extensions: vqm\nfilter:     Netlists (*.vqm)\n");
     failure("no type", "filter bitstream", 1, "'File_Extension/bitstream' is set at no level");
@@ -104,6 +104,7 @@ void TestTool::run_data()
         "{'key':'File_Extension/vhdl','level':'system','type':'list','value':['vhd','vhdl']}");
     failure("get, malformed file", "settings get K --project bad/", 3,
             "$T/bad/.setting.ini: malformed settings file");
+    failure("get, no key", "settings get", 2, "missing argument; see --help");
     row("set", "settings set --user --type bool K TRUE", 0,
         "user\t$T/home/.config/Meravex/OstraneNG/.setting.ini\n== home/.config/Meravex/OstraneNG/"
         ".setting.ini\n[General]\n…EDITOR_FONT_SIZE=11\nK=true\nMESSAGE_LIMIT=2000\n");
@@ -121,19 +122,18 @@ void TestTool::run_data()
 
     row("label", "label Edit_UGroup --json", 0, "{'key':'Edit_UGroup','text':'Edit UGROUP'}");
     failure("label, unknown key", "label SHOW", 1, "'SHOW' is no label key");
+    failure("label, no key", "label", 2, "label: missing KEY; see 'corvekit label --help'");
 
     row("sort standard input", "sort", 0, "net1\nnet9\nnet10\n\xe9t\xe9\n");
     row("reversed", "sort --by pinh --reverse names", 0, "AA1\nB1\nA10\nA007\nA2\nA1C\nA1B\n");
     failure("sort, zero byte", "sort --by namenum names zero", 3, "sort: name 9 holds a zero byte");
     failure("sort, no such file", "sort nope", 1, "sort: nope: no such file");
-    failure("sort, a folder", "sort project", 3, "sort: project: cannot read");
 
     row("wildcard", "wildcard clk* clk clk_a xclk", 0, "clk.*\nclk\nclk_a\n");
     failure("wildcard, empty", "wildcard $E a", 1, "wildcard: an empty pattern has no expression");
 
     row("help", "help h.xml --tool Spreadsheet --dialog Options --url \"Write Back\" --json", 0,
-        "{'dialog':'Options','found':true,'item':'Write Back','query':'url','tool':'Spreadsheet',"
-        "'value':'spreadsheet/write_back.htm'}");
+        "{'dialog':'Options','found':true,…'query':'url',…'value':'spreadsheet/write_back.htm'}");
     failure("broken index", "help b.xml --tool X", 3, "b.xml:3:14: Expected character data.");
 
     row("profiled", "settings get NO_SUCH_KEY", 1, "",
