@@ -1,192 +1,181 @@
-// The corvekit tool's env and settings subcommands: output, JSON, and exit status.
+// The corvekit tool, run as a user runs it: each row starts the built program in a child with a
+// clean environment, inside a fresh copy of the sample installation, and checks its exit status
+// and both output streams.
 #include "childprocess.h"
 
+#include <QDirIterator>
 #include <QJsonDocument>
-#include <QJsonObject>
+#include <QProcess>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
 
-namespace {
+using Files = QMap<QString, QByteArray>;
 
-// An installation, a home and a project in one temporary folder, with a key at each level.
-struct Sandbox
-{
-    QTemporaryDir dir;
-
-    Sandbox()
-    {
-        writeFile(root() + QLatin1String("/data/.setting.ini"),
-                  "SIMULATOR_TYPE=QuestaSim\nFAMILY=system-family\nLIMIT=100\n");
-        writeFile(home() + QLatin1String("/.config/Meravex/OstraneNG/.setting.ini"),
-                  "LIMIT=2000\nFAMILY=user-family\nLIST=a, b\n");
-        writeFile(project() + QLatin1String(".setting.ini"), "FAMILY=project-family\n");
-    }
-    QString root() const { return dir.filePath(QStringLiteral("install")); }
-    QString home() const { return dir.filePath(QStringLiteral("home")); }
-    QString project() const { return dir.filePath(QStringLiteral("project/")); }
-
-    QProcessEnvironment environment() const
-    {
-        QProcessEnvironment result = cleanEnvironment(home());
-        result.insert(QStringLiteral("TOOLRTF"), root());
-        return result;
-    }
-
-    ChildResult run(const QStringList &arguments) const
-    {
-        return runProgram(QStringLiteral(CORVEKIT_TOOL_PATH), arguments, environment(), dir.path());
-    }
+// Files laid over every copy of the sample installation, beside it. The file "<" is the tool's
+// standard input.
+static const Files extras = {
+    {"names", "B1\nA1C\nA10\nA007\nA1B\nAA1\nA2\n"},
+    {"zero", QByteArrayLiteral("a\nb\0c\n")},
+    {"bad/.setting.ini", "[General\nK=broken\n"},
+    {"blocked/.setting.ini/keep", ""},
+    {"empty/.setting.ini", "[General]\nPRECISION_PATH=\n"},
+    {"<", "net10\r\nnet9\r\n\xe9t\xe9\r\nnet1"},
+    {"b.xml", "<helpIndex version=\"1.0\">\n<tool name=\"T\">\n<tooltip>a<b/></tooltip>"},
 };
 
-QJsonObject parseJson(const QByteArray &bytes)
+// Every file below \a root with its contents, by relative path.
+static Files readTree(const QString &root)
 {
-    QJsonParseError error{};
-    const QJsonDocument document = QJsonDocument::fromJson(bytes, &error);
-    return error.error == QJsonParseError::NoError ? document.object() : QJsonObject();
+    Files files;
+    QDirIterator it(root, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        QFile file(it.next());
+        files.insert(QDir(root).relativeFilePath(file.fileName()),
+                     file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(unreadable)"));
+    }
+    return files;
 }
 
-} // namespace
+// Whether \a actual is \a expected, where "…" stands for any text. JSON is compared in its
+// compact form with the keys in order, written with single quotes in \a expected.
+static bool matches(QByteArray actual, QByteArray expected)
+{
+    if (expected.startsWith('{')) {
+        actual = QJsonDocument::fromJson(actual).toJson(QJsonDocument::Compact);
+        expected.replace('\'', '"');
+    }
+    QString pattern = QRegularExpression::escape(QString::fromLatin1(expected));
+    pattern.replace(QRegularExpression::escape(QString::fromLatin1("…")), "(?s:.*)");
+    const QRegularExpression whole(QRegularExpression::anchoredPattern(pattern));
+    return whole.match(QString::fromLatin1(actual)).hasMatch();
+}
+
+static void row(const QString &arguments, int exitCode, const QByteArray &output,
+                const QByteArray &error = "")
+{
+    QTest::addRow("$ %s", qPrintable(arguments)) << arguments << exitCode << output << error;
+}
+
+// A row where the tool writes nothing but one error line.
+static void failure(const QString &arguments, int exitCode, const QByteArray &line)
+{
+    row(arguments, exitCode, "", "corvekit: " + line + '\n');
+}
 
 class TestTool : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void envText();
-    void envJson();
-    void settingsGet_data();
-    void settingsGet();
-    void settingsGetJson();
-    void malformedFile();
-    void usage_data();
-    void usage();
+    void run_data();
+    void run();
 };
 
-void TestTool::envText()
+void TestTool::run_data()
 {
-    Sandbox sandbox;
-    const ChildResult result = sandbox.run({QStringLiteral("env")});
-    QCOMPARE(result.exitCode, 0);
-    QCOMPARE(result.standardError, QByteArray());
-    const QStringList lines = result.outputLines();
-    QVERIFY(lines.contains(QStringLiteral("TOOLRTF:       ") + sandbox.root()));
-    QVERIFY(lines.contains(QStringLiteral("  data:        ") + sandbox.root() + "/data"));
-    QVERIFY(lines.contains(QStringLiteral("group setting file in use: no")));
-}
-
-void TestTool::envJson()
-{
-    Sandbox sandbox;
-    const ChildResult result = sandbox.run({QStringLiteral("env"), QStringLiteral("--json"),
-                                            QStringLiteral("--project"), sandbox.project()});
-    QCOMPARE(result.exitCode, 0);
-    const QJsonObject json = parseJson(result.standardOutput);
-    QCOMPARE(json.value(QStringLiteral("installRoot")).toString(), sandbox.root());
-    QCOMPARE(json.value(QStringLiteral("TOOLRTF")).toString(), sandbox.root());
-    // initializeSystem filled what was unset.
-    QCOMPARE(json.value(QStringLiteral("ZEKPROG_PATH")).toString(), sandbox.root() + "/zekprog");
-    QVERIFY(json.value(QStringLiteral("FOUNDRY")).toString().endsWith(QLatin1String("/zekfpga")));
-    const QJsonObject paths = json.value(QStringLiteral("paths")).toObject();
-    QCOMPARE(paths.value(QStringLiteral("help")).toString(), sandbox.root() + "/docs/webhelp/eng");
-    QCOMPARE(paths.value(QStringLiteral("tclExe")).toString(),
-             sandbox.root() + "/tcltk/windows/bin/tclsh");
-    const QJsonObject files = json.value(QStringLiteral("settingsFiles")).toObject();
-    QCOMPARE(files.value(QStringLiteral("project")).toString(), sandbox.project() + ".setting.ini");
-    QCOMPARE(files.value(QStringLiteral("system")).toString(),
-             sandbox.root() + "/data/.setting.ini");
-    QCOMPARE(json.value(QStringLiteral("groupSettingFile")).toBool(true), false);
-}
-
-void TestTool::settingsGet_data()
-{
-    QTest::addColumn<QStringList>("arguments");
+    // As on a shell's command line, NAME=VALUE words first set environment variables. $E is an
+    // empty argument; $T is the copy's folder, also the working directory, in every column.
+    QTest::addColumn<QString>("arguments");
     QTest::addColumn<int>("exitCode");
-    QTest::addColumn<QString>("output");
+    QTest::addColumn<QByteArray>("output"); // then "== FILE" and the text of each file written
+    QTest::addColumn<QByteArray>("error");
 
-    QTest::newRow("project level")
-        << QStringList{"FAMILY", "--project", "$P"} << 0 << "project\tproject-family";
-    QTest::newRow("user level without a project")
-        << QStringList{"FAMILY"} << 0 << "user\tuser-family";
-    QTest::newRow("user over system") << QStringList{"LIMIT"} << 0 << "user\t2000";
-    QTest::newRow("system level") << QStringList{"SIMULATOR_TYPE"} << 0 << "system\tQuestaSim";
-    QTest::newRow("list value") << QStringList{"LIST"} << 0 << "user\ta, b";
-    QTest::newRow("no level") << QStringList{"MISSING"} << 1 << "";
+    row("", 2, "", "Usage: corvekit <command> [options]\n…");
+    failure("frobnicate", 2, "unknown command 'frobnicate'; see …");
+    row("env --help", 0, "Usage: …");
+    row("env --project project/", 0,
+        "installRoot:   $T/installation\n…\n  project:     $T/project/.setting.ini\n…");
+    row("version --group Solvane --pattern major-minor --json", 0,
+        "{…'patch':'SP1','pattern':'major-minor','suffix':'Beta','version':'4.3',…}");
+    failure("TOOLRTF=$T/project version", 1, "$T/project/data/zeksys.ini: no version file");
+    // An empty value on the project level hides the system's and sends the locator to folders.
+    row("tools --project empty/ --json", 0,
+        "{'defaults':false,'simulator':{…'name':'QuestaSim'},'synplify':{…},'tools':[…{'directory':"
+        "'/','key':'PRECISION_PATH','name':'precision','source':'unknown'},{…'level':'user','name':"
+        "'activehdl','source':'setting'}…]}");
+    row("filter netlist Netlists --project project/", 0,
+        "extensions: vqm\nfilter:     Netlists (*.vqm)\n");
+    failure("filter bitstream", 1, "'File_Extension/bitstream' is set at no level");
+    failure("filter", 2, "missing argument; see --help");
+
+    row("settings get File_Extension/vhdl --type list --json", 0,
+        "{'key':'File_Extension/vhdl','level':'system','type':'list','value':['vhd','vhdl']}");
+    failure("settings get K --project bad/", 3, "$T/bad/.setting.ini: malformed settings file");
+    failure("settings get", 2, "missing argument; see --help");
+    row("settings set --user --type bool K TRUE", 0,
+        "user\t$T/home/.config/Meravex/OstraneNG/.setting.ini\n== home/…\n[General]\n…K=true\n"
+        "MESSAGE_LIMIT=2000\n");
+    failure("settings set --user --type bool K maybe", 3, "'maybe' is no bool");
+    failure("settings set --user --type int -- K -12x", 3, "'-12x' is no int");
+    failure("settings set --user K", 2, "missing argument; see --help");
+    failure("settings set --project bad/ K 1", 3, "$T/bad/.setting.ini: malformed settings file");
+    failure("settings set --project /proc/self/ K 1", 4,
+            "/proc/self/.setting.ini: cannot write settings file");
+    failure("settings set --project blocked/ K 1", 4,
+            "$T/blocked/.setting.ini: cannot read settings file");
+    row("settings unset --project project/ File_Extension", 0,
+        "project\t$T/project/.setting.ini\n== project/.setting.ini\n[General]\n"
+        "DEFAULT_DEVICE_FAMILY=Corvus-III\nTOP_MODULE=uart_bridge\n");
+    failure("settings unset --user K", 1, "'K' is not set at the user level (…)");
+
+    row("label Edit_UGroup --json", 0, "{'key':'Edit_UGroup','text':'Edit UGROUP'}");
+    failure("label SHOW", 1, "'SHOW' is no label key");
+    failure("label", 2, "label: missing KEY; see 'corvekit label --help'");
+
+    row("sort", 0, "net1\nnet9\nnet10\n\xe9t\xe9\n"); // CRLF, a byte above 0x7f, no last newline
+    row("sort --by pinh --reverse names", 0, "AA1\nB1\nA10\nA007\nA2\nA1C\nA1B\n");
+    failure("sort --by namenum names zero", 3, "sort: name 9 holds a zero byte");
+    failure("sort nope", 1, "sort: nope: no such file");
+    failure("sort project", 3, "sort: project: cannot read");
+
+    row("wildcard clk* clk clk_a xclk", 0, "clk.*\nclk\nclk_a\n");
+    failure("wildcard $E a", 1, "wildcard: an empty pattern has no expression");
+
+    row("help i --tool Spreadsheet --dialog Options --url \"Write Back\" --json", 0,
+        "{'dialog':'Options','found':true,…'query':'url',…'value':'spreadsheet/write_back.htm'}");
+    row("help i --tool Spreadsheet --tooltip \"Port Assignments\"", 0, "Ports and their pins\n");
+    row("help i --tool \"Reveal Inserter\" --description \"Trigger Signal Setup\"", 0,
+        "Chooses the signals and the conditions that start a capture.\n");
+    failure("help b.xml --tool X", 3, "b.xml:3:14: Expected character data.");
+
+    failure("settings get NO_SUCH_KEY", 1, "'NO_SUCH_KEY' is set at no level");
+    row("ENABLE_GUI_PROFILER=1 settings get DEFAULT_DEVICE_FAMILY --project project/", 0,
+        "project\tCorvus-III\n",
+        "1009993: \ncorvekit settings\n…\n1009993: settings       |…\n1009993:  open settings |…\n"
+        "1009993:  look up       |…\n1009993:  print         |…\n1009993: -…");
 }
 
-void TestTool::settingsGet()
+void TestTool::run()
 {
-    QFETCH(QStringList, arguments);
+    QFETCH(QString, arguments);
     QFETCH(int, exitCode);
-    QFETCH(QString, output);
+    QFETCH(QByteArray, output);
+    QFETCH(QByteArray, error);
 
-    Sandbox sandbox;
-    arguments.replaceInStrings(QStringLiteral("$P"), sandbox.project());
+    QTemporaryDir dir;
+    QProcessEnvironment environment = cleanEnvironment(dir.filePath(QStringLiteral("home")));
+    Files files = readTree(QStringLiteral(CORVEKIT_EXAMPLES_DIR));
+    files.insert(extras);
+    files.insert("i", files.value("installation/docs/webhelp/eng/helpindex.xml"));
+    for (const auto &[path, text] : files.asKeyValueRange())
+        QVERIFY(writeFile(dir.filePath(path), text));
+    const Files before = readTree(dir.path());
+    QStringList words = QProcess::splitCommand(arguments.replace("$T", dir.path()));
+    environment.insert(QStringLiteral("TOOLRTF"), dir.filePath(QStringLiteral("installation")));
+    for (; words.value(0).contains(QLatin1Char('=')); words.removeFirst())
+        environment.insert(words[0].section(QLatin1Char('='), 0, 0), words[0].section('=', 1));
     const ChildResult result =
-        sandbox.run(QStringList{QStringLiteral("settings"), QStringLiteral("get")} + arguments);
+        runProgram(QStringLiteral(CORVEKIT_TOOL_PATH), words.replaceInStrings("$E", ""),
+                   environment, dir.path(), files.value("<"));
     QCOMPARE(result.exitCode, exitCode);
-    QCOMPARE(result.outputLines(), output.isEmpty() ? QStringList() : QStringList{output});
-    if (exitCode == 1) {
-        QCOMPARE(result.errorLines(),
-                 QStringList{QStringLiteral("corvekit: 'MISSING' is set at no level")});
-    }
-}
-
-void TestTool::settingsGetJson()
-{
-    Sandbox sandbox;
-    const ChildResult result = sandbox.run({QStringLiteral("settings"), QStringLiteral("get"),
-                                            QStringLiteral("LIST"), QStringLiteral("--json")});
-    QCOMPARE(result.exitCode, 0);
-    const QJsonObject json = parseJson(result.standardOutput);
-    QCOMPARE(json.value(QStringLiteral("level")).toString(), QStringLiteral("user"));
-    QCOMPARE(json.value(QStringLiteral("value")).toVariant().toStringList(),
-             (QStringList{QStringLiteral("a"), QStringLiteral("b")}));
-}
-
-void TestTool::malformedFile()
-{
-    Sandbox sandbox;
-    QVERIFY(writeFile(sandbox.project() + ".setting.ini", "[General\nFAMILY=broken\n"));
-    const ChildResult result =
-        sandbox.run({QStringLiteral("settings"), QStringLiteral("get"), QStringLiteral("FAMILY"),
-                     QStringLiteral("--project"), sandbox.project()});
-    QCOMPARE(result.exitCode, 3);
-    QCOMPARE(result.standardOutput, QByteArray());
-    QCOMPARE(result.errorLines(),
-             QStringList{QStringLiteral("corvekit: %1: malformed settings file")
-                             .arg(sandbox.project() + ".setting.ini")});
-}
-
-void TestTool::usage_data()
-{
-    QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<int>("exitCode");
-
-    QTest::newRow("no command") << QStringList() << 2;
-    QTest::newRow("unknown command") << QStringList{"frobnicate"} << 2;
-    QTest::newRow("unknown option") << QStringList{"env", "--colour"} << 2;
-    QTest::newRow("settings without action") << QStringList{"settings"} << 2;
-    QTest::newRow("settings get without key") << QStringList{"settings", "get"} << 2;
-    QTest::newRow("settings get with two keys") << QStringList{"settings", "get", "A", "B"} << 2;
-    QTest::newRow("help") << QStringList{"--help"} << 0;
-    QTest::newRow("command help") << QStringList{"env", "--help"} << 0;
-}
-
-void TestTool::usage()
-{
-    QFETCH(QStringList, arguments);
-    QFETCH(int, exitCode);
-
-    Sandbox sandbox;
-    const ChildResult result = sandbox.run(arguments);
-    QCOMPARE(result.exitCode, exitCode);
-    if (exitCode != 0) {
-        QCOMPARE(result.standardOutput, QByteArray());
-        QVERIFY(!result.standardError.isEmpty());
-    } else {
-        QVERIFY(result.standardOutput.contains("Usage") ||
-                result.standardOutput.contains("Options"));
-    }
+    QByteArray written = result.standardOutput;
+    for (const auto &[path, text] : readTree(dir.path()).asKeyValueRange())
+        if (before.value(path) != text)
+            written += "== " + path.toUtf8() + '\n' + text;
+    QVERIFY2(matches(written, output.replace("$T", dir.path().toUtf8())), written);
+    QVERIFY2(matches(result.standardError, error.replace("$T", dir.path().toUtf8())),
+             result.standardError);
 }
 
 QTEST_GUILESS_MAIN(TestTool)
