@@ -1,14 +1,13 @@
 #ifndef HULMAR_TESTING_H
 #define HULMAR_TESTING_H
 
-#include "hulmar_export.h"
-
 #include <cstdint>
 #include <string>
 #include <vector>
 
-// Hooks for tests of code that talks to the utility library. Each hook is an object: it takes
-// effect when made and is undone when destroyed. Only one of each kind may live at a time.
+// Hooks for tests of code that talks to the utility library, from the static library
+// hulmar_testing that only tests and benchmarks link. Each hook is an object: it takes effect
+// when made and is undone when destroyed. Only one of each kind may live at a time.
 namespace hulmar::testing {
 
 struct CapturedMessage
@@ -24,7 +23,7 @@ struct CapturedMessage
 };
 
 // While it lives, warnings and numbered messages are kept here instead of being shown.
-class HULMAR_EXPORT MessageCapture
+class MessageCapture
 {
 public:
     MessageCapture();
@@ -44,7 +43,7 @@ private:
 
 // While it lives, UT_TIMER and UT_MEM_USAGE read these figures instead of the system's, and
 // every reading is counted.
-class HULMAR_EXPORT FakeProbes
+class FakeProbes
 {
 public:
     FakeProbes();
