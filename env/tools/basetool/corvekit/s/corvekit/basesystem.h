@@ -78,7 +78,8 @@ public:
 
     // --- Product version and build stamp -----------------------------------------------------
     // The version comes from data/zeksys.ini below the install root, read anew at every call.
-    // A missing file is logged ("Error :  "<path>"  doesn't exist!") at every call.
+    // A missing file is logged ("Error :  "<path>"  doesn't exist!") at every call. A FIFO, a
+    // socket or a device in its place counts as missing and is never opened.
 
     /*!
      * The installed version in the form of \a pattern, from "version/MajorVersion",

@@ -1,5 +1,7 @@
 #include "basesystem.h"
 
+#include "filekind_p.h"
+
 #include <QDebug>
 #include <QFileInfo>
 #include <QLocale>
@@ -27,10 +29,12 @@ QString versionFilePath()
         .filePath(QStringLiteral("zeksys.ini"));
 }
 
-// False, after the message, when the version file is missing; logged at every call.
+// False, after the message, when the version file is missing; logged at every call. A FIFO, a
+// socket or a device counts as missing: QSettings would block in open() on a FIFO with no writer.
 bool versionFileExists(const QString &path)
 {
-    if (QFileInfo(path).exists())
+    const QFileInfo info(path);
+    if (info.exists() && !isSpecialFile(info))
         return true;
     qDebug() << "Error : " << path << " doesn't exist!";
     return false;
