@@ -1,6 +1,8 @@
 // The installation environment. Start-up, writes to the environment, the install layout, the
-// version file, the companion tool locators and the file type filters run as steps in a child
+// version file, the companion tool locators and the simulator selection run as steps in a child
 // that lies in app/bin/nt64 of a throw-away installation; the build stamp parsers in-process.
+// The tool's installation tests cover the plain version patterns, the product group and the file
+// type filters.
 #include "childprocess.h"
 #include "sampleinstallation.h"
 
