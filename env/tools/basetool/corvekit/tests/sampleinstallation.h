@@ -3,7 +3,6 @@
 
 #include "childprocess.h"
 
-#include <QDir>
 #include <QTemporaryDir>
 
 // A throw-away installation for child scenarios: an install root with its data folder, a home
@@ -12,19 +11,13 @@
 class SampleInstallation
 {
 public:
-    QString root() const { return m_dir.path() + QStringLiteral("/root"); }
-    QString home() const { return m_dir.path() + QStringLiteral("/home"); }
-    QString project() const { return m_dir.path() + QStringLiteral("/project/"); }
-    QString path(const QString &relative) const
-    {
-        return m_dir.path() + QLatin1Char('/') + relative;
-    }
+    QString root() const { return path(QStringLiteral("root")); }
+    QString home() const { return path(QStringLiteral("home")); }
+    QString project() const { return path(QStringLiteral("project/")); }
+    QString path(const QString &relative) const { return m_dir.filePath(relative); }
 
     QString systemFile() const { return root() + QStringLiteral("/data/.setting.ini"); }
-    QString userFile() const
-    {
-        return home() + QStringLiteral("/.config/Meravex/OstraneNG/.setting.ini");
-    }
+    QString userFile() const { return home() + "/.config/Meravex/OstraneNG/.setting.ini"; }
     QString projectFile() const { return project() + QStringLiteral(".setting.ini"); }
     QString versionFile() const { return root() + QStringLiteral("/data/zeksys.ini"); }
 
@@ -33,10 +26,7 @@ public:
     bool setProject(const QByteArray &text) const { return writeFile(projectFile(), text); }
     bool setVersion(const QByteArray &text) const { return writeFile(versionFile(), text); }
     //! Makes a folder below the install root, as a companion tool's installation would.
-    bool makeToolFolder(const QString &relative) const
-    {
-        return QDir().mkpath(root() + QLatin1Char('/') + relative);
-    }
+    bool makeToolFolder(const QString &relative) const { return QDir(root()).mkpath(relative); }
 
     QProcessEnvironment environment() const
     {

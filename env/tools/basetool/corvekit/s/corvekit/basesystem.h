@@ -19,8 +19,6 @@ enum VersionPatten
     VersionFull = 4           //!< major.minor.build; any other value gives this too
 };
 
-struct BaseSystemStampAccess;
-
 /*!
  * Where the installation lies and how the process environment is set up for it.
  *
@@ -78,7 +76,8 @@ public:
 
     // --- Product version and build stamp -----------------------------------------------------
     // The version comes from data/zeksys.ini below the install root, read anew at every call.
-    // A missing file is logged ("Error :  "<path>"  doesn't exist!") at every call.
+    // A missing file is logged ("Error :  "<path>"  doesn't exist!") at every call. A FIFO, a
+    // socket or a device in its place counts as missing and is never opened.
 
     /*!
      * The installed version in the form of \a pattern, from "version/MajorVersion",
@@ -139,8 +138,6 @@ public:
     static QString getFileFilter(const char *fileType, const char *description = nullptr);
 
 private:
-    friend struct BaseSystemStampAccess; // tests of the stamp parsers
-
     //! "Apr 11 2025" split at \a separator (runs count as one); month first or second.
     static QDate GetDate(const char *date, char separator);
     //! "01:22:07" split at \a separator (empty parts kept).

@@ -1,5 +1,8 @@
 #include "basesystem.h"
 
+#include "basesystem_p.h"
+#include "filekind_p.h"
+
 #include <QDebug>
 #include <QFileInfo>
 #include <QLocale>
@@ -27,10 +30,12 @@ QString versionFilePath()
         .filePath(QStringLiteral("zeksys.ini"));
 }
 
-// False, after the message, when the version file is missing; logged at every call.
+// False, after the message, when the version file is missing; logged at every call. A FIFO, a
+// socket or a device counts as missing: QSettings would block in open() on a FIFO with no writer.
 bool versionFileExists(const QString &path)
 {
-    if (QFileInfo(path).exists())
+    const QFileInfo info(path);
+    if (info.exists() && !isSpecialFile(info))
         return true;
     qDebug() << "Error : " << path << " doesn't exist!";
     return false;
@@ -113,6 +118,23 @@ QTime BaseSystem::getCompilationTime()
 
 QDate BaseSystem::GetDate(const char *date, char separator)
 {
+    return corvekit::detail::parseStampDate(date, separator);
+}
+
+QTime BaseSystem::GetTime(const char *time, char separator)
+{
+    return corvekit::detail::parseStampTime(time, separator);
+}
+
+int BaseSystem::findMonth(QString month)
+{
+    return corvekit::detail::monthNumber(std::move(month));
+}
+
+namespace corvekit::detail {
+
+QDate parseStampDate(const char *date, char separator)
+{
     // The compiler pads a one-digit day with a blank ("Apr  1 2025"): runs count as one.
     const QStringList parts =
         QString(date).split(QLatin1Char(separator), Qt::SkipEmptyParts, Qt::CaseSensitive);
@@ -121,10 +143,10 @@ QDate BaseSystem::GetDate(const char *date, char separator)
 
     QString monthText = parts.at(0);
     QString dayText = parts.at(1);
-    int month = findMonth(monthText);
+    int month = monthNumber(monthText);
     if (month == -1) {
         // "11 Apr 2025": the month may stand second.
-        month = findMonth(dayText);
+        month = monthNumber(dayText);
         std::swap(monthText, dayText);
         if (month == -1)
             return QDate();
@@ -134,7 +156,7 @@ QDate BaseSystem::GetDate(const char *date, char separator)
     return QDate(year, month, day);
 }
 
-QTime BaseSystem::GetTime(const char *time, char separator)
+QTime parseStampTime(const char *time, char separator)
 {
     const QStringList parts =
         QString(time).split(QLatin1Char(separator), Qt::KeepEmptyParts, Qt::CaseSensitive);
@@ -146,7 +168,7 @@ QTime BaseSystem::GetTime(const char *time, char separator)
     return QTime(hour, minute, second, 0);
 }
 
-int BaseSystem::findMonth(QString month)
+int monthNumber(QString month)
 {
     month = month.toLower();
     // The compiler's English names first, whatever the locale.
@@ -161,3 +183,5 @@ int BaseSystem::findMonth(QString month)
     }
     return -1;
 }
+
+} // namespace corvekit::detail

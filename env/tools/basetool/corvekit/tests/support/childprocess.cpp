@@ -2,40 +2,24 @@
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QFile>
-#include <QFileInfo>
 #include <QProcess>
-#include <QTest>
 
 #include <cstdio>
 
 QMap<QString, QString> ChildResult::values() const
 {
     QMap<QString, QString> result;
-    for (const QString &line : outputLines()) {
-        const qsizetype equals = line.indexOf(QLatin1Char('='));
-        if (equals > 0)
-            result.insert(line.left(equals), line.mid(equals + 1));
-    }
+    for (const QString &line : outputLines())
+        result.insert(line.section(QLatin1Char('='), 0, 0), line.section(QLatin1Char('='), 1));
     return result;
 }
 
-static QStringList splitLines(const QByteArray &bytes)
+QStringList ChildResult::lines(const QByteArray &text)
 {
-    QStringList lines = QString::fromUtf8(bytes).split(QLatin1Char('\n'));
-    if (!lines.isEmpty() && lines.last().isEmpty())
+    QStringList lines = QString::fromUtf8(text).split(QLatin1Char('\n'));
+    if (lines.last().isEmpty()) // the line break that ends the text
         lines.removeLast();
     return lines;
-}
-
-QStringList ChildResult::outputLines() const
-{
-    return splitLines(standardOutput);
-}
-
-QStringList ChildResult::errorLines() const
-{
-    return splitLines(standardError);
 }
 
 QProcessEnvironment cleanEnvironment(const QString &home)
@@ -44,9 +28,8 @@ QProcessEnvironment cleanEnvironment(const QString &home)
     for (const char *name :
          {"TOOLRTF", "FOUNDRY", "ZEKPROG_PATH", "SOLVANE_GROUP_SETTING_FILE", "TIVORANDEBUG",
           "ENABLE_GUI_PROFILER", "ENABLE_GUI_PROFILER_DETAIL", "GUI_PROFILER_SETTINGS",
-          "CORVEKIT_TEST_SCENARIO", "QT_LOGGING_RULES", "QT_MESSAGE_PATTERN"}) {
+          "CORVEKIT_TEST_SCENARIO", "QT_LOGGING_RULES", "QT_MESSAGE_PATTERN"})
         environment.remove(QString::fromLatin1(name));
-    }
     environment.insert(QStringLiteral("HOME"), home);
     environment.insert(QStringLiteral("XDG_CONFIG_HOME"), home + QLatin1String("/.config"));
     return environment;
@@ -58,24 +41,17 @@ ChildResult runProgram(const QString &program, const QStringList &arguments,
 {
     QProcess process;
     process.setProcessEnvironment(environment);
-    if (!workingDirectory.isEmpty())
-        process.setWorkingDirectory(workingDirectory);
+    process.setWorkingDirectory(workingDirectory); // empty: this process's own
     process.start(program, arguments);
-    ChildResult result;
     if (!process.waitForStarted(30000))
-        return result;
-    if (!input.isEmpty())
-        process.write(input);
+        return {};
+    process.write(input);
     process.closeWriteChannel();
-    if (!process.waitForFinished(120000)) {
+    if (!process.waitForFinished(120000))
         process.kill();
-        process.waitForFinished();
-    }
-    result.crashed = process.exitStatus() != QProcess::NormalExit;
-    result.exitCode = process.exitCode();
-    result.standardOutput = process.readAllStandardOutput();
-    result.standardError = process.readAllStandardError();
-    return result;
+    process.waitForFinished();
+    return {process.exitCode(), process.exitStatus() != QProcess::NormalExit,
+            process.readAllStandardOutput(), process.readAllStandardError()};
 }
 
 ChildResult runScenario(const QString &scenario, const QProcessEnvironment &environment,
@@ -89,14 +65,10 @@ ChildResult runScenario(const QString &scenario, const QProcessEnvironment &envi
 
 QString placeApplication(const QString &directory)
 {
-    QDir().mkpath(directory);
+    // QFile::copy keeps the permissions, so the copy can run; it refuses to overwrite a file.
     const QString source = QCoreApplication::applicationFilePath();
-    QString target = directory + QLatin1Char('/') + QFileInfo(source).fileName();
-    QFile::remove(target);
-    if (!QFile::copy(source, target))
-        return QString();
-    QFile::setPermissions(target, QFile::permissions(source));
-    return target;
+    const QString target = directory + QLatin1Char('/') + QFileInfo(source).fileName();
+    return QDir().mkpath(directory) && QFile::copy(source, target) ? target : QString();
 }
 
 void report(const QString &name, const QString &value)
@@ -107,11 +79,9 @@ void report(const QString &name, const QString &value)
 
 bool writeFile(const QString &path, const QByteArray &text)
 {
-    QDir().mkpath(QFileInfo(path).absolutePath());
     QFile file(path);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
-        return false;
-    return file.write(text) == text.size();
+    return QDir().mkpath(QFileInfo(path).absolutePath()) &&
+           file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(text) == text.size();
 }
 
 bool runChildScenario(const ScenarioTable &scenarios, int &exitCode)
@@ -119,12 +89,6 @@ bool runChildScenario(const ScenarioTable &scenarios, int &exitCode)
     const QString name = qEnvironmentVariable("CORVEKIT_TEST_SCENARIO");
     if (name.isEmpty())
         return false;
-    const auto scenario = scenarios.find(name);
-    if (scenario == scenarios.end()) {
-        std::fprintf(stderr, "unknown scenario %s\n", qPrintable(name));
-        exitCode = 99;
-        return true;
-    }
-    exitCode = (*scenario)();
+    exitCode = scenarios.value(name, [] { return 99; })();
     return true;
 }

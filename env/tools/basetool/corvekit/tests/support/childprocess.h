@@ -1,10 +1,8 @@
 #ifndef CORVEKIT_TESTS_CHILDPROCESS_H
 #define CORVEKIT_TESTS_CHILDPROCESS_H
 
-#include <QByteArray>
 #include <QMap>
 #include <QProcessEnvironment>
-#include <QString>
 #include <QStringList>
 
 #include <functional>
@@ -23,8 +21,9 @@ struct ChildResult
     // Lines "name=value" that a scenario printed with report(), by name.
     QMap<QString, QString> values() const;
     QString value(const QString &name) const { return values().value(name); }
-    QStringList outputLines() const;
-    QStringList errorLines() const;
+    QStringList outputLines() const { return lines(standardOutput); }
+    QStringList errorLines() const { return lines(standardError); }
+    static QStringList lines(const QByteArray &text);
 };
 
 // An environment with nothing of the suite in it, HOME and XDG_CONFIG_HOME inside \a home.
@@ -42,19 +41,19 @@ ChildResult runProgram(const QString &program, const QStringList &arguments,
                        const QByteArray &input = QByteArray());
 
 // Copies this test program to \a directory (created as needed) and returns the copy's path, so
-// that a child's applicationDirPath() is that directory.
+// that a child's applicationDirPath() is that directory; an empty text if that fails.
 QString placeApplication(const QString &directory);
 
 // In a child: prints "name=value" for the parent to read.
 void report(const QString &name, const QString &value);
 
-// Writes \a text to \a path, making its folders; fails the test on an error.
+// Writes \a text to \a path, making its folders; false on an error.
 bool writeFile(const QString &path, const QByteArray &text);
 
 using ScenarioTable = QMap<QString, std::function<int()>>;
 
-// Runs the scenario that CORVEKIT_TEST_SCENARIO names, if any, and gives its exit code in
-// \a exitCode. Returns false in the parent, which then runs its tests.
+// Runs the scenario that CORVEKIT_TEST_SCENARIO names, if any, and gives its exit code (99 for a
+// name the table lacks) in \a exitCode. Returns false in the parent, which then runs its tests.
 bool runChildScenario(const ScenarioTable &scenarios, int &exitCode);
 
 // A main() for a Qt Test class whose tests start children running \a scenarios.
@@ -66,7 +65,6 @@ bool runChildScenario(const ScenarioTable &scenarios, int &exitCode);
         if (runChildScenario(scenarios(), childExit))                                              \
             return childExit;                                                                      \
         TestClass test;                                                                            \
-        QTEST_SET_MAIN_SOURCE_PATH                                                                 \
         return QTest::qExec(&test, argc, argv);                                                    \
     }
 
