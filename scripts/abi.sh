@@ -21,6 +21,8 @@ baseline)
     mkdir -p "$source_dir/abi"
     rm -f "$source_dir"/abi/*.abi
     abidw "${abidw_flags[@]}" --out-file "$baseline" "$library"
+    # Source file names relative to the checkout, which abidw keeps absolute.
+    sed -i "s|path='$source_dir/|path='|" "$baseline"
     echo "ABI baseline written to ${baseline#"$source_dir"/}; commit it with the change."
     ;;
 check)
