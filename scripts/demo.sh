@@ -15,19 +15,45 @@ cp -r "$source_dir/examples/installation" "$source_dir/examples/home" \
     "$source_dir/examples/project" "$demo/"
 cp "$tool" "$demo/installation/bin/nt64/corvekit"
 
-run() {
-    echo
-    echo "\$ corvekit $*"
-    env -u TOOLRTF -u FOUNDRY -u ZEKPROG_PATH -u SOLVANE_GROUP_SETTING_FILE -u TIVORANDEBUG \
-        HOME="$demo/home" XDG_CONFIG_HOME="$demo/home/.config" \
-        "$demo/installation/bin/nt64/corvekit" "$@" || echo "(exit status $?)"
+# Prints its arguments as one shell command line that can be pasted as it stands.
+quote() {
+    local word line=""
+    for word in "$@"; do
+        if [[ ! $word =~ ^[A-Za-z0-9_./:=,+@%-]+$ ]]; then
+            word="'${word//\'/\'\\\'\'}'"
+        fi
+        line+="${line:+ }$word"
+    done
+    printf '%s\n' "$line"
 }
 
+# The set-up of every command below, printed so that a reader can repeat them by hand.
 cd "$demo"
-run env --project "$demo/project/"
-run settings get DEFAULT_DEVICE_FAMILY --project "$demo/project/"
-run settings get MESSAGE_LIMIT --project "$demo/project/"
-run settings get SIMULATOR_TYPE --project "$demo/project/" --json
+echo "The demo runs in a copy of examples/ with the tool in installation/bin/nt64, and a"
+echo "throw-away home. To run the commands below by hand, paste this into a shell first:"
+echo
+echo "    cd $(quote "$demo")"
+echo '    export PATH="$PWD/installation/bin/nt64:$PATH" HOME="$PWD/home" XDG_CONFIG_HOME="$PWD/home/.config"'
+echo '    unset TOOLRTF FOUNDRY ZEKPROG_PATH SOLVANE_GROUP_SETTING_FILE TIVORANDEBUG'
+export PATH="$demo/installation/bin/nt64:$PATH" HOME="$demo/home" XDG_CONFIG_HOME="$demo/home/.config"
+unset TOOLRTF FOUNDRY ZEKPROG_PATH SOLVANE_GROUP_SETTING_FILE TIVORANDEBUG
+
+# Runs the tool with the given arguments; leading NAME=VALUE words set its environment.
+run() {
+    local assignments=()
+    while [[ $# -gt 0 && $1 =~ ^[A-Z_]+= ]]; do
+        assignments+=("$1")
+        shift
+    done
+    echo
+    echo "\$ $(quote "${assignments[@]}" corvekit "$@")"
+    env "${assignments[@]}" corvekit "$@" 2>&1 || echo "(exit status $?)"
+}
+
+run env --project project/
+run settings get DEFAULT_DEVICE_FAMILY --project project/
+run settings get MESSAGE_LIMIT --project project/
+run settings get SIMULATOR_TYPE --project project/ --json
 
 # Label keys and their display texts.
 run label SHOW_IN
@@ -38,23 +64,21 @@ run label --list
 # Versions, typed settings, companion tools and file type filters.
 run version
 run version --group Solvane --pattern major-minor
-run settings get DEFAULT_DEVICE_FAMILY --project "$demo/project/" --type string
-run settings get MESSAGE_LIMIT --project "$demo/project/" --type int
-run settings get DEFAULT_SPEED_GRADE --project "$demo/project/" --type int
+run settings get DEFAULT_DEVICE_FAMILY --project project/ --type string
+run settings get MESSAGE_LIMIT --project project/ --type int
+run settings get DEFAULT_SPEED_GRADE --project project/ --type int
 run settings set --user --type int EDITOR_FONT_SIZE 13
 run settings get EDITOR_FONT_SIZE --type int
-run settings set --project "$demo/project/" --type list SOURCE_DIRS "rtl, tb"
-run settings get SOURCE_DIRS --project "$demo/project/" --type list --json
-run settings unset --project "$demo/project/" SOURCE_DIRS
-run tools --project "$demo/project/"
+run settings set --project project/ --type list SOURCE_DIRS "rtl, tb"
+run settings get SOURCE_DIRS --project project/ --type list --json
+run settings unset --project project/ SOURCE_DIRS
+run tools --project project/
 run tools --defaults --json
 run filter vhdl
-run filter netlist "Netlists" --project "$demo/project/"
+run filter netlist "Netlists" --project project/
 # The tool profiles itself: with ENABLE_GUI_PROFILER=1 the profile report of the subcommand and
 # its steps follows on standard error.
-echo
-echo "(with ENABLE_GUI_PROFILER=1)"
-ENABLE_GUI_PROFILER=1 run settings get DEFAULT_DEVICE_FAMILY --project "$demo/project/" 2>&1
+run ENABLE_GUI_PROFILER=1 settings get DEFAULT_DEVICE_FAMILY --project project/
 # Names and pins: a BGA pin list row by row and column by column, net names in natural order,
 # and a wildcard pattern with the names it matches as whole names.
 run sort --by pinh project/bga-pins.txt

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that building, testing, benchmarking and fuzzing corvekit need.
+# Installs the Debian packages that building, testing, benchmarking, fuzzing, packaging and the
+# ABI check of corvekit need.
 # Only missing packages are installed; a machine that has them all is left untouched.
 set -euo pipefail
 
@@ -10,6 +11,8 @@ packages=(
     clang libclang-rt-dev
     clang-format clang-tidy
     valgrind
+    dpkg-dev fakeroot file lintian
+    abigail-tools
 )
 
 missing=()

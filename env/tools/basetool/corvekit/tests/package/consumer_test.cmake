@@ -1,4 +1,5 @@
-# cmake -P script: install, then build and run the consumer both ways.
+# cmake -P script: install the build (or unpack the Debian packages named in DEBS), then build and
+# run the consumer both ways against the result.
 function(run)
     execute_process(COMMAND ${ARGN} RESULT_VARIABLE result OUTPUT_VARIABLE output
                     ERROR_VARIABLE output)
@@ -8,9 +9,25 @@ function(run)
     set(last_output "${output}" PARENT_SCOPE)
 endfunction()
 
-set(prefix ${WORK_DIR}/prefix)
 file(REMOVE_RECURSE ${WORK_DIR})
-run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${prefix})
+if(DEBS)
+    # The Debian packages, unpacked into a scratch root as dpkg would install them below /.
+    set(prefix ${WORK_DIR}/root/usr)
+    file(MAKE_DIRECTORY ${WORK_DIR}/root)
+    foreach(deb IN LISTS DEBS)
+        run(dpkg-deb -x ${deb} ${WORK_DIR}/root)
+    endforeach()
+else()
+    # An install tree must keep working when moved: install, then rename it.
+    set(prefix ${WORK_DIR}/prefix)
+    run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${WORK_DIR}/installed)
+    file(RENAME ${WORK_DIR}/installed ${prefix})
+endif()
+
+# The tool finds its libraries from its own location, with no environment variable.
+if(EXISTS ${prefix}/bin/corvekit)
+    run(${CMAKE_COMMAND} -E env --unset=LD_LIBRARY_PATH ${prefix}/bin/corvekit --help)
+endif()
 
 foreach(header corvekit/corvekit.h corvekit/corvekit_export.h hulmar/ut_warning.h)
     if(NOT EXISTS ${prefix}/include/${header})
