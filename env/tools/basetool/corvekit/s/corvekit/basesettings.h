@@ -4,6 +4,7 @@
 #include "corvekit_export.h"
 
 #include <QList>
+#include <QSharedDataPointer>
 #include <QString>
 #include <QVariant>
 
@@ -90,7 +91,8 @@ private:
     QSettings *m_system_setting = nullptr;
     QSettings *m_user_setting = nullptr;
     QSettings *m_project_setting = nullptr;
-    Levels *m_levels = nullptr; // owns the three levels above; counted, shared between copies
+    // Shared by copies; see docs/design.md, "Shared state after a copy".
+    QExplicitlySharedDataPointer<Levels> m_levels; // owns the three levels above
 
     static QString m_prjPath;
     static const char *const m_setting_file;
