@@ -4,6 +4,8 @@
 
 #include <hulmar/ut_warning.h>
 
+#include "filekind_p.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
@@ -155,7 +157,9 @@ BaseSettings::BaseSettings(QString projectPath)
         const QString groupFile = groupVariable ? QString(groupVariable) : QString();
         if (groupFile.isEmpty()) {
             user = openUserFile(individualOrganization());
-        } else if (QFileInfo groupInfo(groupFile); groupInfo.exists() && !groupInfo.isReadable()) {
+        } else if (QFileInfo groupInfo(groupFile);
+                   groupInfo.exists() && (!groupInfo.isReadable() || isSpecialFile(groupInfo))) {
+            // QSettings would block in open() on a FIFO with no writer.
             user = openUserFile(individualOrganization());
             warn(QStringLiteral("The group setting file '%1' is not readable and use individual "
                                 "setting file instead.")
