@@ -21,13 +21,9 @@ QString BasePrjSettings::thePrjSettingFile(const char *name, const char *directo
 
 BasePrjSettings::~BasePrjSettings() = default;
 
-BasePrjSettings &BasePrjSettings::operator=(const BasePrjSettings &other)
-{
-    // Shared, not copied: the last wrapper holding a file deletes its QSettings.
-    if (this != &other)
-        m_setting = other.m_setting;
-    return *this;
-}
+// Shared by copies; see docs/design.md, "Shared state after a copy". The target's former file
+// is deleted here, and so written to disk, unless another wrapper still holds it.
+BasePrjSettings &BasePrjSettings::operator=(const BasePrjSettings &other) = default;
 
 QVariant BasePrjSettings::value(const QString &key, const QVariant &defaultValue) const
 {

@@ -5,10 +5,9 @@
 
 #include <QList>
 #include <QSettings>
+#include <QSharedDataPointer>
 #include <QString>
 #include <QVariant>
-
-#include <memory>
 
 class QObject;
 class ScopedSettingsFile;
@@ -73,7 +72,8 @@ private:
     //! The path of the file for \a name in \a directory, as described above.
     static QString thePrjSettingFile(const char *name, const char *directory);
 
-    std::shared_ptr<ScopedSettingsFile> m_setting;
+    // Shared by copies; see docs/design.md, "Shared state after a copy".
+    QExplicitlySharedDataPointer<ScopedSettingsFile> m_setting;
 };
 
 #endif

@@ -4,6 +4,8 @@
 
 #include <hulmar/ut_warning.h>
 
+#include "filekind_p.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
@@ -15,26 +17,12 @@
 QString BaseSettings::m_prjPath;
 const char *const BaseSettings::m_setting_file = ".setting";
 
-// The three levels of one construction. Copies of a BaseSettings share one Levels, so each
-// QSettings is deleted exactly once, by whichever holder goes last. Like the QSettings inside,
-// the objects that share one Levels belong to one thread at a time, so the count is plain.
-struct BaseSettings::Levels
+// The three levels of one construction, deleted with the last object that shares them.
+struct BaseSettings::Levels : QSharedData
 {
     QSettings *system = nullptr;
     QSettings *user = nullptr;
     QSettings *project = nullptr;
-    int holders = 1;
-
-    static Levels *acquire(Levels *levels)
-    {
-        ++levels->holders;
-        return levels;
-    }
-    static void release(Levels *levels)
-    {
-        if (--levels->holders == 0)
-            delete levels;
-    }
 
     Levels() = default;
     Levels(const Levels &) = delete;
@@ -169,7 +157,9 @@ BaseSettings::BaseSettings(QString projectPath)
         const QString groupFile = groupVariable ? QString(groupVariable) : QString();
         if (groupFile.isEmpty()) {
             user = openUserFile(individualOrganization());
-        } else if (QFileInfo groupInfo(groupFile); groupInfo.exists() && !groupInfo.isReadable()) {
+        } else if (QFileInfo groupInfo(groupFile);
+                   groupInfo.exists() && (!groupInfo.isReadable() || isSpecialFile(groupInfo))) {
+            // QSettings would block in open() on a FIFO with no writer.
             user = openUserFile(individualOrganization());
             warn(QStringLiteral("The group setting file '%1' is not readable and use individual "
                                 "setting file instead.")
@@ -193,30 +183,14 @@ BaseSettings::BaseSettings(QString projectPath)
     m_project_setting = m_levels->project;
 }
 
-BaseSettings::BaseSettings(const BaseSettings &other)
-    : m_system_setting(other.m_system_setting)
-    , m_user_setting(other.m_user_setting)
-    , m_project_setting(other.m_project_setting)
-    , m_levels(Levels::acquire(other.m_levels))
-{}
+// Shared by copies; see docs/design.md, "Shared state after a copy".
+BaseSettings::BaseSettings(const BaseSettings &other) = default;
 
-BaseSettings::~BaseSettings()
-{
-    Levels::release(m_levels);
-}
+BaseSettings::~BaseSettings() = default;
 
-BaseSettings &BaseSettings::operator=(const BaseSettings &other)
-{
-    if (this == &other)
-        return *this;
-    Levels *const previous = m_levels;
-    m_levels = Levels::acquire(other.m_levels);
-    m_system_setting = other.m_system_setting;
-    m_user_setting = other.m_user_setting;
-    m_project_setting = other.m_project_setting;
-    Levels::release(previous);
-    return *this;
-}
+// Shared by copies; see docs/design.md, "Shared state after a copy". Levels that the target
+// held alone are deleted here, and so written to disk at once.
+BaseSettings &BaseSettings::operator=(const BaseSettings &other) = default;
 
 QVariant BaseSettings::getSetting(const QString &key, const QVariant &defaultValue)
 {

@@ -4,6 +4,7 @@
 #include "corvekit_export.h"
 
 #include <QList>
+#include <QSharedDataPointer>
 #include <QString>
 #include <QVariant>
 
@@ -15,14 +16,20 @@ class QSettings;
  *
  * - System: TOOLRTF/data/.setting.ini, the installation's defaults.
  * - User: the file named by SOLVANE_GROUP_SETTING_FILE (a group file shared by a team), else
- *   Meravex/OstraneNG/.setting.ini in the user's configuration area. The application
- *   "Fenwright Studio" always uses Meravex/FenwrightStudio/.setting.ini instead.
+ *   Meravex/OstraneNG/.setting.ini in the user's configuration area. A group file that exists
+ *   but cannot be read, or is a FIFO, a socket or a device, is passed over for the individual
+ *   file with a warning. The application "Fenwright Studio" always uses
+ *   Meravex/FenwrightStudio/.setting.ini instead.
  * - Project: the project path with ".setting.ini" appended, with no separator in between, so
  *   "/home/me/proj/" gives /home/me/proj/.setting.ini and "/home/me/proj" gives
  *   /home/me/proj.setting.ini. Without a project path, "./.setting.ini".
  *
  * Nothing is written to disk until QSettings flushes on its own, at the latest when the last
  * object holding the files is destroyed; call sync() on a level for an earlier write.
+ *
+ * The system file, the individual and sibling user files and the project file go to QSettings
+ * unchecked: if one of these paths names a FIFO with no writer, the constructor blocks in
+ * QSettings' open(). Only the group file is checked before it is opened.
  *
  * Copies and assignments share the three levels: the files stay open until the last object that
  * holds them is gone, and each is closed exactly once.
@@ -90,7 +97,8 @@ private:
     QSettings *m_system_setting = nullptr;
     QSettings *m_user_setting = nullptr;
     QSettings *m_project_setting = nullptr;
-    Levels *m_levels = nullptr; // owns the three levels above; counted, shared between copies
+    // Shared by copies; see docs/design.md, "Shared state after a copy".
+    QExplicitlySharedDataPointer<Levels> m_levels; // owns the three levels above
 
     static QString m_prjPath;
     static const char *const m_setting_file;

@@ -11,13 +11,9 @@ BaseUsrSettings::BaseUsrSettings(const char *name, QObject *parent)
 
 BaseUsrSettings::~BaseUsrSettings() = default;
 
-BaseUsrSettings &BaseUsrSettings::operator=(const BaseUsrSettings &other)
-{
-    // Shared, not copied: the last wrapper holding a file deletes its QSettings.
-    if (this != &other)
-        m_setting = other.m_setting;
-    return *this;
-}
+// Shared by copies; see docs/design.md, "Shared state after a copy". The target's former file
+// is deleted here, and so written to disk, unless another wrapper still holds it.
+BaseUsrSettings &BaseUsrSettings::operator=(const BaseUsrSettings &other) = default;
 
 QVariant BaseUsrSettings::value(const QString &key, const QVariant &defaultValue) const
 {

@@ -5,10 +5,9 @@
 
 #include <QList>
 #include <QSettings>
+#include <QSharedDataPointer>
 #include <QString>
 #include <QVariant>
-
-#include <memory>
 
 class QObject;
 class ScopedSettingsFile;
@@ -69,7 +68,8 @@ public:
     QSettings *getSetting();
 
 private:
-    std::shared_ptr<ScopedSettingsFile> m_setting;
+    // Shared by copies; see docs/design.md, "Shared state after a copy".
+    QExplicitlySharedDataPointer<ScopedSettingsFile> m_setting;
 };
 
 #endif

@@ -1,9 +1,11 @@
 #include "scopedsettingsfile_p.h"
 
-std::shared_ptr<ScopedSettingsFile> ScopedSettingsFile::adopt(QSettings *settings)
+#include <memory>
+
+QExplicitlySharedDataPointer<ScopedSettingsFile> ScopedSettingsFile::adopt(QSettings *settings)
 {
     std::unique_ptr<QSettings> owner(settings);
-    auto file = std::make_shared<ScopedSettingsFile>(settings);
+    QExplicitlySharedDataPointer<ScopedSettingsFile> file(new ScopedSettingsFile(settings));
     static_cast<void>(owner.release()); // the holder owns it now
     return file;
 }
@@ -17,7 +19,7 @@ ScopedSettingsFile::ScopedSettingsFile(QSettings *settings)
 
 ScopedSettingsFile::~ScopedSettingsFile()
 {
-    // Deleting the object writes what is pending to its file.
+    // Deleting the object writes what is pending to its file. Null if a parent deleted it.
     delete m_settings.data();
 }
 

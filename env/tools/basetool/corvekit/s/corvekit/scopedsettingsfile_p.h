@@ -4,26 +4,25 @@
 #include <QList>
 #include <QPointer>
 #include <QSettings>
+#include <QSharedData>
 #include <QString>
 #include <QVariant>
 
-#include <memory>
-
 /*
  * The one QSettings behind a BaseUsrSettings or BasePrjSettings, shared by a wrapper and every
- * wrapper assigned from it. The last holder deletes the object. The QSettings may also have a
- * QObject parent, which deletes it when the parent goes first; the guarded pointer notices that,
- * so the object is deleted exactly once whichever owner goes first.
+ * wrapper assigned from it; the last of them deletes this holder, and the holder the QSettings.
+ * The QSettings may also have a QObject parent, which deletes it when the parent goes first; the
+ * guarded pointer notices that, so the object is deleted exactly once whichever owner goes first.
  *
  * Once the parent has taken the object away, the operations below act on nothing: reads give
  * their defaults, writes are dropped and status() reports QSettings::AccessError, so a caller
  * that checks status after a write learns that it was lost.
  */
-class ScopedSettingsFile
+class ScopedSettingsFile : public QSharedData
 {
 public:
     //! Takes \a settings over, also when the allocation of the holder fails.
-    static std::shared_ptr<ScopedSettingsFile> adopt(QSettings *settings);
+    static QExplicitlySharedDataPointer<ScopedSettingsFile> adopt(QSettings *settings);
 
     explicit ScopedSettingsFile(QSettings *settings);
     ~ScopedSettingsFile();
