@@ -113,8 +113,6 @@ public:
     }
 
 private:
-    friend class HelpIndexReaderProbe; // test access to the stored entry
-
     enum MatchType : int
     {
         MatchNone = 0,       //!< walks to the end of the document, stores nothing
