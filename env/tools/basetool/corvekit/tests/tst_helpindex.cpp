@@ -49,6 +49,12 @@ QString ask(HelpIndexReader &reader, QByteArrayList query)
     return answer.isNull() ? QStringLiteral("~") : answer;
 }
 
+QString overflow(const QByteArray &xml)
+{
+    return QStringLiteral("The entities of the file expand to more than %1 characters.")
+        .arg(HelpIndexReader::entityExpansionBudget(xml.size()));
+}
+
 } // namespace
 
 class TestHelpIndex : public QObject
@@ -56,183 +62,163 @@ class TestHelpIndex : public QObject
     Q_OBJECT
 
 private slots:
-    void answers_data();
-    void answers();
-    void failures_data();
-    void failures();
-    void cacheOfOneEntry();
-    void hostileEntities_data();
-    void hostileEntities();
-    void benignEntitiesNeverOverflow();
+    void answers_data()
+    {
+        QTest::addColumn<QByteArrayList>("query");
+        QTest::addColumn<int>("error");
+        QTest::addColumn<QString>("answer"); // after an error: from the second call on
+
+        const int none = QXmlStreamReader::NoError;
+        const int broken = QXmlStreamReader::UnexpectedElementError; // in the last tool, "P"
+        QTest::newRow("first tool of a name") << QByteArrayList{"tool", "T"} << none << "t.htm";
+        QTest::newRow("dialog in a later tool") << QByteArrayList{"dlg", "T", "F"} << none << "f";
+        QTest::newRow("last text") << QByteArrayList{"dlgtext", "T", "D"} << none << "two";
+        QTest::newRow("no text") << QByteArrayList{"dlgtext", "T", "E"} << none << "";
+        QTest::newRow("last, simplified") << QByteArrayList{"tooltip", "T", "a"} << none << "2 1";
+        QTest::newRow("tool level") << QByteArrayList{"tooltip", "T", "b"} << none << "~";
+        QTest::newRow("dialog level") << QByteArrayList{"tooltip", "T", "D", "a"} << none << "~";
+        QTest::newRow("no view in a dialog") << QByteArrayList{"url", "T", "D", "w"} << none << "~";
+        QTest::newRow("null names") << QByteArrayList{"whatsthis"} << none << "no name";
+        QTest::newRow("UTF-8 name") << QByteArrayList{"tool", "Grüße"} << none << " g ";
+        QTest::newRow("skipped element") << QByteArrayList{"ismy", "G"} << broken << "~";
+        QTest::newRow("element in another case") << QByteArrayList{"ismy", "U"} << broken << "~";
+        QTest::newRow("item before a fault")
+            << QByteArrayList{"tooltip", "P", "a"} << broken << "A";
+        QTest::newRow("item at a fault") << QByteArrayList{"whatsthis", "P", "w"} << broken << "so";
+    }
+
+    void answers()
+    {
+        QFETCH(QByteArrayList, query);
+        QFETCH(int, error);
+        QFETCH(QString, answer);
+
+        Index file(index(R"(<tool name="T" href="t.htm"><tooltip name="a">1</tooltip>
+            <tooltip name="a"> 2
+              1 </tooltip><text>skipped <b/></text><x><tool name="G"/></x>
+            <dialog name="D"><text>one</text><text>two</text><tooltip name="b">c</tooltip>
+              <view name="w" href="w.htm"><i/></view></dialog><dialog name="E"/></tool>
+          <tool name="T"><dialog name="F" href="f"/></tool><tool><whatsthis>no name</whatsthis>
+          </tool><Tool name="U"/><tool name="Grüße" href=" g "/><tool name="P">
+            <tooltip name="a">A</tooltip><whatsthis name="w">so<b/>lost</whatsthis></tool>)",
+                         "<!-- c --><!DOCTYPE helpIndex SYSTEM \"h.dtd\">"));
+        const QString first = ask(file.reader, query);
+        QCOMPARE(int(file.reader.error()), error);
+        QCOMPARE(first, error == QXmlStreamReader::NoError ? answer : QStringLiteral("~"));
+        // The entry answers again, without a look at error(), also where the pass failed in it.
+        QCOMPARE(ask(file.reader, query), answer);
+    }
+
+    void failures_data()
+    {
+        QTest::addColumn<int>("mode");
+        QTest::addColumn<QByteArray>("xml"); // files read one after the other, split by '\f'
+        QTest::addColumn<int>("error");
+        QTest::addColumn<QString>("message");
+
+        const QByteArray sound = index(R"(<tool name="T" href="t.htm"><dialog name="D"/></tool>)");
+        const int early = QXmlStreamReader::PrematureEndOfDocumentError;
+        const int custom = QXmlStreamReader::CustomError;
+        const QString ended = "Premature end of document.";
+        const QString notAnIndex = "The file is not an Tivoran Help Index version 1.0 file.";
+        const QString misplacedDtd = "A DTD may stand only once, before the document element.";
+        QTest::newRow("no device") << -1 << sound << early << ended;
+        QTest::newRow("never opened or closed") << 0 << sound << early << ended;
+        QTest::newRow("write-only") << int(QIODevice::WriteOnly) << sound << early << ended;
+        QTest::newRow("append-only") << int(QIODevice::Append) << sound << early << ended;
+        QTest::newRow("empty file") << 1 << QByteArray() << early << ended;
+        QTest::newRow("not well-formed")
+            << 1 << index("<x></y>") << int(QXmlStreamReader::NotWellFormedError)
+            << "Opening and ending tag mismatch.";
+        QTest::newRow("element in skipped text")
+            << 1 << index("<tool><view>x<b/></view></tool>")
+            << int(QXmlStreamReader::UnexpectedElementError) << "Expected character data.";
+        QTest::newRow("other element") << 1 << QByteArray("<index/>") << custom << notAnIndex;
+        QTest::newRow("no version") << 1 << QByteArray("<helpIndex/>") << custom << notAnIndex;
+        QTest::newRow("version and a blank")
+            << 1 << QByteArray("<helpIndex version=\"1.0 \"/>") << custom << notAnIndex;
+        QTest::newRow("DTD in the body")
+            << 1 << index("<x><!DOCTYPE y></x>") << custom << misplacedDtd;
+        QTest::newRow("two DTDs") << 1 << "<!DOCTYPE a><!DOCTYPE b>" + sound << custom
+                                  << misplacedDtd;
+
+        const QByteArray entity = "<!ENTITY e \"" + QByteArray(4000, 'A') + "\">";
+        const QByteArray dtd = "<!DOCTYPE helpIndex [" + entity + "]>";
+        const QByteArray bomb = "<tool>" + QByteArray("&e;").repeated(100000) + "</tool>";
+        QTest::newRow("entities of the file")
+            << 1 << index(bomb, dtd) << custom << overflow(index(bomb, dtd));
+        const QByteArray later = '\f' + index(bomb);
+        QTest::newRow("entities of a file before")
+            << 1 << index("", dtd) + later << custom << overflow(index(bomb));
+        QTest::newRow("entities of a broken DTD before")
+            << 1 << "<!DOCTYPE a [" + entity + "<!ENTITY" + later << custom
+            << overflow(index(bomb));
+        QTest::newRow("entities of a DTD in a body before")
+            << 1 << index("<x><!DOCTYPE y [" + entity + "]></x>") + later << custom
+            << overflow(index(bomb));
+    }
+
+    void failures()
+    {
+        QFETCH(int, mode);
+        QFETCH(QByteArray, xml);
+        QFETCH(int, error);
+        QFETCH(QString, message);
+
+        const QByteArrayList files = xml.split('\f');
+        Index file(files.first(), mode);
+        for (const QByteArray &next : files.mid(1)) {
+            file.reader.getToolHelp("T");
+            file.buffer() = next;
+        }
+        // Every query fails alike, at either level, the first time and every time after.
+        for (const char *item : {static_cast<const char *>(nullptr), "I", "I"}) {
+            for (const auto &[name, query] : queries) {
+                QVERIFY2(query(file.reader, "T", "D", item).isNull(), name.constData());
+                QCOMPARE(int(file.reader.error()), error);
+            }
+        }
+        QCOMPARE(file.reader.errorString(), message);
+    }
+
+    void cacheOfOneEntry()
+    {
+        Index file(index(R"(<tool name="T" href="7"><tooltip name="a">7</tooltip>
+            <dialog name="D" href="7"><text>7</text></dialog></tool>)"));
+        QCOMPARE(file.reader.getToolHelp("T"), QStringLiteral("7"));
+        file.buffer().replace('7', '8');                        // what a new pass would see
+        QVERIFY(file.reader.getToolTipText("T", "b").isNull()); // a hit without the item
+        QCOMPARE(file.reader.getToolTipText("T", "a"), QStringLiteral("7"));
+        QCOMPARE(file.reader.getDlgHelp("T", "D"), QStringLiteral("8"));
+        file.buffer().replace('8', '7');
+        QCOMPARE(file.reader.getDlgText("T", "D"), QStringLiteral("8"));
+        QVERIFY(file.reader.isMyHelpIdx("T")); // wipes the entry
+        QCOMPARE(file.reader.getDlgText("T", "D"), QStringLiteral("7"));
+        file.buffer().replace('7', '8');
+        QVERIFY(file.reader.dump()); // reads nothing, but the entry no longer answers
+        QCOMPARE(file.reader.getDlgText("T", "D"), QStringLiteral("8"));
+    }
+
+    void benignEntitiesNeverOverflow()
+    {
+        // More uses of a short entity than the budget would allow for the longest one.
+        const QByteArray tips = QByteArray("<tooltip name=\"a\">&p;</tooltip>").repeated(400);
+        Index file(index("<tool name=\"T\">" + tips + "</tool>",
+                         "<!DOCTYPE helpIndex [<!ENTITY p \"Ostrane\">]>"));
+        Index broken("<helpIndex version=\"1.0\"><tool name=\"T\">");
+        for (int i = 0; i < 100000; ++i) {
+            if (i % 5000 == 0) { // a file that breaks off, or none
+                file.reader.setDevice(i % 10000 == 0 ? &broken : nullptr);
+                QVERIFY(file.reader.getToolHelp("X").isNull());
+                file.reader.setDevice(&file);
+            }
+            const bool miss = i % 1000 == 500;
+            QCOMPARE(file.reader.getToolTipText(miss ? "X" : "T", "a"),
+                     miss ? QString() : QStringLiteral("Ostrane"));
+            QCOMPARE(file.reader.error(), QXmlStreamReader::NoError);
+        }
+    }
 };
-
-void TestHelpIndex::answers_data()
-{
-    QTest::addColumn<QByteArrayList>("query");
-    QTest::addColumn<int>("error");
-    QTest::addColumn<QString>("answer"); // after an error: from the second call on
-
-    const int none = QXmlStreamReader::NoError;
-    const int broken = QXmlStreamReader::UnexpectedElementError; // in the last tool, "P"
-    QTest::newRow("first tool of a name") << QByteArrayList{"tool", "T"} << none << "t.htm";
-    QTest::newRow("dialog in a later tool") << QByteArrayList{"dlg", "T", "F"} << none << "f.htm";
-    QTest::newRow("last text") << QByteArrayList{"dlgtext", "T", "D"} << none << "two";
-    QTest::newRow("no text") << QByteArrayList{"dlgtext", "T", "E"} << none << "";
-    QTest::newRow("last item, simplified")
-        << QByteArrayList{"tooltip", "T", "a"} << none << "Two lines";
-    QTest::newRow("tool level") << QByteArrayList{"tooltip", "T", "b"} << none << "~";
-    QTest::newRow("dialog level") << QByteArrayList{"tooltip", "T", "D", "a"} << none << "~";
-    QTest::newRow("no view in a dialog") << QByteArrayList{"url", "T", "D", "w"} << none << "~";
-    QTest::newRow("null names") << QByteArrayList{"whatsthis"} << none << "no name";
-    QTest::newRow("UTF-8 name") << QByteArrayList{"tool", "Grüße"} << none << " g ";
-    QTest::newRow("skipped element") << QByteArrayList{"ismy", "G"} << broken << "~";
-    QTest::newRow("element in another case") << QByteArrayList{"ismy", "U"} << broken << "~";
-    QTest::newRow("item before a fault") << QByteArrayList{"tooltip", "P", "a"} << broken << "A";
-    QTest::newRow("item at a fault") << QByteArrayList{"whatsthis", "P", "w"} << broken << "so far";
-}
-
-void TestHelpIndex::answers()
-{
-    QFETCH(QByteArrayList, query);
-    QFETCH(int, error);
-    QFETCH(QString, answer);
-
-    Index file(
-        index(R"(<tool name="T" href="t.htm"><tooltip name="a">x</tooltip><tooltip name="a"> Two
-            lines </tooltip><text>skipped <b/></text><x><tool name="G"/></x>
-          <dialog name="D"><text>one</text><text>two</text><tooltip name="b">c</tooltip>
-            <view name="w" href="w.htm"><i/></view></dialog><dialog name="E"/></tool>
-        <tool name="T"><dialog name="F" href="f.htm"/></tool><tool><whatsthis>no name</whatsthis>
-        </tool><Tool name="U"/><tool name="Grüße" href=" g "/><tool name="P">
-          <tooltip name="a">A</tooltip><whatsthis name="w">so far<b/>lost</whatsthis></tool>)",
-              "<!-- c --><!DOCTYPE helpIndex SYSTEM \"h.dtd\">"));
-    const QString first = ask(file.reader, query);
-    QCOMPARE(int(file.reader.error()), error);
-    QCOMPARE(first, error == QXmlStreamReader::NoError ? answer : QStringLiteral("~"));
-    // The entry answers again, without a look at error(), also where the pass failed in it.
-    QCOMPARE(ask(file.reader, query), answer);
-}
-
-void TestHelpIndex::failures_data()
-{
-    QTest::addColumn<int>("mode");
-    QTest::addColumn<QByteArray>("xml");
-    QTest::addColumn<int>("error");
-    QTest::addColumn<QString>("message");
-
-    const QByteArray sound = index(R"(<tool name="T" href="t.htm"><dialog name="D"/></tool>)");
-    const int early = QXmlStreamReader::PrematureEndOfDocumentError;
-    const int custom = QXmlStreamReader::CustomError;
-    const QString notAnIndex = "The file is not an Tivoran Help Index version 1.0 file.";
-    const QString misplacedDtd = "A DTD may stand only once, before the document element.";
-    const QString ended = "Premature end of document.";
-    QTest::newRow("no device") << -1 << sound << early << ended;
-    QTest::newRow("never opened or closed") << 0 << sound << early << ended;
-    QTest::newRow("write-only") << int(QIODevice::WriteOnly) << sound << early << ended;
-    QTest::newRow("append-only") << int(QIODevice::Append) << sound << early << ended;
-    QTest::newRow("empty file") << 1 << QByteArray() << early << ended;
-    QTest::newRow("not well-formed")
-        << 1 << index("<x></y>") << int(QXmlStreamReader::NotWellFormedError)
-        << "Opening and ending tag mismatch.";
-    QTest::newRow("element in a skipped text")
-        << 1 << index("<tool><view>x<b/></view></tool>")
-        << int(QXmlStreamReader::UnexpectedElementError) << "Expected character data.";
-    QTest::newRow("other element")
-        << 1 << QByteArray("<index version=\"1.0\"/>") << custom << notAnIndex;
-    QTest::newRow("no version") << 1 << QByteArray("<helpIndex/>") << custom << notAnIndex;
-    QTest::newRow("version 1.0 and a blank")
-        << 1 << QByteArray("<helpIndex version=\"1.0 \"/>") << custom << notAnIndex;
-    QTest::newRow("DTD in the body") << 1 << index("<x><!DOCTYPE y></x>") << custom << misplacedDtd;
-    QTest::newRow("two DTDs") << 1 << "<!DOCTYPE a><!DOCTYPE b>" + sound << custom << misplacedDtd;
-}
-
-void TestHelpIndex::failures()
-{
-    QFETCH(int, mode);
-    QFETCH(QByteArray, xml);
-    QFETCH(int, error);
-    QFETCH(QString, message);
-
-    Index file(xml, mode);
-    // Every query fails alike, at either level, the first time and every time after.
-    for (const char *item : {static_cast<const char *>(nullptr), "I", "I"}) {
-        for (const auto &[name, query] : queries) {
-            QVERIFY2(query(file.reader, "T", "D", item).isNull(), name.constData());
-            QCOMPARE(int(file.reader.error()), error);
-        }
-    }
-    QCOMPARE(file.reader.errorString(), message);
-}
-
-void TestHelpIndex::cacheOfOneEntry()
-{
-    Index file(index(R"(<tool name="T" href="7"><tooltip name="a">7</tooltip>
-        <dialog name="D" href="7"><text>7</text></dialog></tool>)"));
-    QCOMPARE(file.reader.getToolHelp("T"), QStringLiteral("7"));
-    file.buffer().replace('7', '8');                        // what a new pass would see
-    QVERIFY(file.reader.getToolTipText("T", "b").isNull()); // a hit without the item: no pass
-    QCOMPARE(file.reader.getToolTipText("T", "a"), QStringLiteral("7"));
-    QCOMPARE(file.reader.getDlgHelp("T", "D"), QStringLiteral("8"));
-    file.buffer().replace('8', '7');
-    QCOMPARE(file.reader.getDlgText("T", "D"), QStringLiteral("8"));
-    QVERIFY(file.reader.isMyHelpIdx("T")); // wipes the entry
-    QCOMPARE(file.reader.getDlgText("T", "D"), QStringLiteral("7"));
-    file.buffer().replace('7', '8');
-    QVERIFY(file.reader.dump()); // reads nothing, but the entry no longer answers
-    QCOMPARE(file.reader.getDlgText("T", "D"), QStringLiteral("8"));
-}
-
-void TestHelpIndex::hostileEntities_data()
-{
-    QTest::addColumn<QByteArray>("earlier");
-    QTest::addColumn<QByteArray>("prolog");
-
-    const QByteArray entity = "<!ENTITY e \"" + QByteArray(4000, 'A') + "\">";
-    const QByteArray dtd = "<!DOCTYPE helpIndex [" + entity + "]>";
-    QTest::newRow("declared in the file") << index("") << dtd;
-    QTest::newRow("declared before") << index("", dtd) << QByteArray();
-    QTest::newRow("declared before, DTD broken")
-        << "<!DOCTYPE a [" + entity + "<!ENTITY" << QByteArray();
-    QTest::newRow("declared before, DTD in the body")
-        << index("<x><!DOCTYPE y [" + entity + "]></x>") << QByteArray();
-}
-
-void TestHelpIndex::hostileEntities()
-{
-    QFETCH(QByteArray, earlier);
-    QFETCH(QByteArray, prolog);
-
-    Index file(earlier);
-    file.reader.getToolHelp("T");
-    // 400 million characters, were they expanded.
-    Index hostile(
-        index("<tool name=\"T\">" + QByteArray("&e;").repeated(100000) + "</tool>", prolog));
-    file.reader.setDevice(&hostile);
-    QVERIFY(file.reader.getToolHelp("T").isNull());
-    QCOMPARE(file.reader.errorString(),
-             QStringLiteral("The entities of the file expand to more than %1 characters.")
-                 .arg(HelpIndexReader::entityExpansionBudget(hostile.size())));
-}
-
-void TestHelpIndex::benignEntitiesNeverOverflow()
-{
-    // More uses of a short entity than the budget would allow for the longest one.
-    const QByteArray tips = QByteArray("<tooltip name=\"a\">&p;</tooltip>").repeated(400);
-    Index file(index("<tool name=\"T\">" + tips + "</tool>",
-                     "<!DOCTYPE helpIndex [<!ENTITY p \"Ostrane\">]>"));
-    Index broken("<helpIndex version=\"1.0\"><tool name=\"T\">");
-    for (int i = 0; i < 100000; ++i) {
-        if (i % 5000 == 0) { // a file that breaks off, or none
-            file.reader.setDevice(i % 10000 == 0 ? &broken : nullptr);
-            QVERIFY(file.reader.getToolHelp("X").isNull());
-            file.reader.setDevice(&file);
-        }
-        const bool miss = i % 1000 == 500;
-        QCOMPARE(file.reader.getToolTipText(miss ? "X" : "T", "a"),
-                 miss ? QString() : QStringLiteral("Ostrane"));
-        QCOMPARE(file.reader.error(), QXmlStreamReader::NoError);
-    }
-}
 
 QTEST_GUILESS_MAIN(TestHelpIndex)
 #include "tst_helpindex.moc"
