@@ -82,8 +82,7 @@ private slots:
         QTest::newRow("UTF-8 name") << QByteArrayList{"tool", "Grüße"} << none << " g ";
         QTest::newRow("skipped element") << QByteArrayList{"ismy", "G"} << broken << "~";
         QTest::newRow("element in another case") << QByteArrayList{"ismy", "U"} << broken << "~";
-        QTest::newRow("item before a fault")
-            << QByteArrayList{"tooltip", "P", "a"} << broken << "A";
+        QTest::newRow("before a fault") << QByteArrayList{"tooltip", "P", "a"} << broken << "A";
         QTest::newRow("item at a fault") << QByteArrayList{"whatsthis", "P", "w"} << broken << "so";
     }
 
