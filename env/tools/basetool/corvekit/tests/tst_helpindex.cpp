@@ -182,13 +182,16 @@ private slots:
 
     void cacheOfOneEntry()
     {
-        Index file(index(R"(<tool name="T" href="7"><tooltip name="a">7</tooltip>
-            <dialog name="D" href="7"><text>7</text></dialog></tool>)"));
+        Index file(
+            index(R"(<tool name="T" href="7"><tooltip name="a">7</tooltip><whatsthis name="a"/>
+            <description name="a"/><dialog name="D" href="7"><text>7</text></dialog></tool>)"));
         QCOMPARE(file.reader.getToolHelp("T"), QStringLiteral("7"));
         file.buffer().replace('7', '8');                        // what a new pass would see
         QVERIFY(file.reader.getToolTipText("T", "b").isNull()); // a hit without the item
         QCOMPARE(file.reader.getToolTipText("T", "a"), QStringLiteral("7"));
         QCOMPARE(file.reader.getDlgHelp("T", "D"), QStringLiteral("8"));
+        for (const char *name : {"whatsthis", "tooltip", "description", "url"})
+            QVERIFY(queries.at(name)(file.reader, "T", "D", "a").isNull()); // the tool's are gone
         file.buffer().replace('8', '7');
         QCOMPARE(file.reader.getDlgText("T", "D"), QStringLiteral("8"));
         QVERIFY(file.reader.isMyHelpIdx("T")); // wipes the entry
