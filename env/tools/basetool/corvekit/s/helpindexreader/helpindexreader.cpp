@@ -3,9 +3,8 @@
 
 #include "helpindexreader_p.h"
 
+#include <QIODevice>
 #include <QObject>
-
-#include <algorithm>
 
 const char *const HelpIndexReader::m_helpIdxXmlName = "helpIndex";
 const char *const HelpIndexReader::m_toolXmlName = "tool";
@@ -19,8 +18,10 @@ const char *const HelpIndexReader::m_hrefXmlName = "href";
 const char *const HelpIndexReader::m_nameXmlName = "name";
 const char *const HelpIndexReader::m_versionXmlName = "version";
 
+using corvekit::detail::effectiveCeiling;
 using corvekit::detail::isNamed;
 using corvekit::detail::sameName;
+using corvekit::detail::unmeasuredEntities;
 
 namespace {
 
@@ -36,13 +37,27 @@ QString attribute(const QXmlStreamAttributes &attributes, const char *name)
     return stored(attributes.value(QLatin1String(name)).toString());
 }
 
+// Installed, but closed, never opened or open for writing only.
+bool isUnreadable(const QIODevice *device)
+{
+    return device && !device->isReadable();
+}
+
 } // namespace
 
 void HelpIndexReader::read(MatchType matchType, const char *toolName, const char *dialogName)
 {
-    if (!m_found) {
-        // Entities of earlier documents still expand in this one (see m_entityCeiling).
-        checkEntityExpansion(m_entityCeiling);
+    if (!m_found && isUnreadable(device())) {
+        // Nothing to read, as in a file that ends before it begins. The stream reader retries a
+        // device that is not at its end for ever, so it gets one try, on the first pass; later
+        // passes keep its verdict, as they do without a device.
+        if (!hasError())
+            readNext();
+    } else if (!m_found) {
+        // Entities of earlier documents still expand in this one (see m_entityCeiling). A
+        // stream at its end reads nothing, so nothing can expand.
+        if (!atEnd())
+            checkEntityExpansion(effectiveCeiling(m_entityCeiling, entityExpansionLimit()));
         // XML allows one DTD, in the prolog; the document element opens the body.
         bool dtdSeen = false;
         bool bodySeen = false;
@@ -62,7 +77,7 @@ void HelpIndexReader::read(MatchType matchType, const char *toolName, const char
                     raiseMisplacedDtd();
                 } else {
                     dtdSeen = true;
-                    const qint64 before = m_entityCeiling;
+                    const qint64 before = effectiveCeiling(m_entityCeiling, entityExpansionLimit());
                     const qint64 declared = declaredReplacement();
                     if (declared > before)
                         checkEntityExpansion(declared);
@@ -73,7 +88,7 @@ void HelpIndexReader::read(MatchType matchType, const char *toolName, const char
         }
         // A pass that broke off may have left entities behind that nobody checked.
         if (hasError())
-            m_entityCeiling = std::max(m_entityCeiling, qint64(entityExpansionLimit()));
+            m_entityCeiling |= unmeasuredEntities;
     }
     m_matchType = matchType;
     m_toolName = QString::fromUtf8(toolName);

@@ -26,6 +26,11 @@
  * the base then tell why, until the next pass. An answer is never null: an element found without
  * the attribute or text asked for answers with an empty, not null, QString.
  *
+ * Without a device, or with one that is not open for reading (never opened, closed, write-only,
+ * append-only), the first query fails with PrematureEndOfDocumentError, as on an empty file, and
+ * every later query fails on it at once, until setDevice() or until the device is open for
+ * reading. The reader never rewinds such a device.
+ *
  * Hostile input ends a pass in an error state, never in a crash, a hang or unbounded memory:
  * - Elements are skipped with a depth counter, so the machine stack does not grow with the
  *   nesting of the file.
@@ -48,10 +53,10 @@
  * - Qt 6.4's stream reader keeps the entities of every document it has read, across clear()
  *   and setDevice(): a reference in a later document to an entity that only an earlier one
  *   declared still expands. The budget counts those too, so that a reader that once met a
- *   hostile DTD stays bounded on every file it reads afterwards. After a pass that broke off,
- *   whose DTD may not have been seen whole, every entity counts at the stream reader's limit
- *   of one expansion (entityExpansionLimit()), and each later pass reads the file's bytes once
- *   more to count references.
+ *   hostile DTD stays bounded on every file it reads afterwards. A pass that broke off may have
+ *   left declarations of a DTD that was never seen whole; before the next pass rewinds, the
+ *   reader asks the stream reader for them, and any that are left count at its limit of one
+ *   expansion (entityExpansionLimit()). A pass that broke off without a DTD changes nothing.
  *
  * A pass builds no text for elements it does not store. When such an element holds a child
  * element, the pass must still fail with readElementText()'s UnexpectedElementError, which only
@@ -108,8 +113,6 @@ public:
     }
 
 private:
-    friend class HelpIndexReaderProbe; // test access to the stored entry
-
     enum MatchType : int
     {
         MatchNone = 0,       //!< walks to the end of the document, stores nothing
@@ -160,7 +163,8 @@ private:
 
     // The longest replacement text that an entity known to the base may have. The stream reader
     // of Qt 6.4 keeps every entity it was ever given, across clear() and setDevice(), so entities
-    // of an earlier document expand in later ones; each pass checks its file against this.
+    // of an earlier document expand in later ones; each pass checks its file against this. A
+    // high bit marks declarations a broken pass may have left unmeasured (see the private header).
     qint64 m_entityCeiling;
 
     static const char *const m_helpIdxXmlName;

@@ -102,6 +102,19 @@ qint64 countEntityReferences(QIODevice *device)
     return count;
 }
 
+qint64 leftOverReplacement(QXmlStreamReader &reader)
+{
+    reader.addData(QByteArrayLiteral("<!DOCTYPE probe []><probe/>"));
+    while (!reader.atEnd()) {
+        reader.readNext();
+        if (reader.isDTD()) {
+            return longestReplacement(reader.entityDeclarations(), reader.text(),
+                                      reader.entityExpansionLimit());
+        }
+    }
+    return reader.entityExpansionLimit();
+}
+
 } // namespace corvekit::detail
 
 namespace {
@@ -114,6 +127,8 @@ constexpr qint64 unCountedReplacementLimit = 64;
 
 void HelpIndexReader::raiseMisplacedDtd()
 {
+    // The stream reader knows its entities from now on and expands them in later documents.
+    declaredReplacement();
     raiseError(QObject::tr("A DTD may stand only once, before the document element."));
 }
 
@@ -121,7 +136,8 @@ qint64 HelpIndexReader::declaredReplacement()
 {
     const qint64 longest =
         corvekit::detail::longestReplacement(entityDeclarations(), text(), entityExpansionLimit());
-    m_entityCeiling = std::max(m_entityCeiling, longest);
+    m_entityCeiling = (m_entityCeiling & corvekit::detail::unmeasuredEntities) |
+                      std::max(m_entityCeiling & ~corvekit::detail::unmeasuredEntities, longest);
     return longest;
 }
 

@@ -8,6 +8,7 @@
 #include <QXmlStreamEntityDeclarations>
 
 class QIODevice;
+class QXmlStreamReader;
 
 namespace corvekit::detail {
 
@@ -22,6 +23,19 @@ inline bool isNamed(QStringView name, const char *xmlName)
 inline bool sameName(QStringView name, const char *wanted)
 {
     return QAnyStringView::equal(name, QUtf8StringView(wanted));
+}
+
+/*!
+ * The reader's entity ceiling is the longest replacement text it has measured, with this bit set
+ * while a pass that broke off may have left declarations behind that nobody measured. Measured
+ * lengths never exceed the stream reader's expansion limit, far below the bit.
+ */
+constexpr qint64 unmeasuredEntities = qint64(1) << 40;
+
+//! The longest replacement text to assume for a reference: the limit while any is unmeasured.
+constexpr qint64 effectiveCeiling(qint64 ceiling, qint64 expansionLimit)
+{
+    return (ceiling & unmeasuredEntities) != 0 ? expansionLimit : ceiling;
 }
 
 /*!
@@ -44,6 +58,14 @@ qint64 longestReplacement(const QXmlStreamEntityDeclarations &declarations, QStr
  * in UTF-16 every "&" counts. The device's position is restored. -1 if it cannot be re-read.
  */
 qint64 countEntityReferences(QIODevice *device);
+
+/*!
+ * The longest replacement text among the declarations that a broken DTD left in \a reader,
+ * which must have been cleared. A DTD of its own makes the stream reader hand them out: none
+ * left means 0, and any left counts at the expansion limit, since its text is gone. The reader
+ * is at the end of that small document afterwards, to be cleared again.
+ */
+qint64 leftOverReplacement(QXmlStreamReader &reader);
 
 } // namespace corvekit::detail
 

@@ -1,7 +1,11 @@
 // The public queries, the cache of one entry behind them and the object's life.
 #include "helpindexreader.h"
 
+#include "helpindexreader_p.h"
+
 #include <QIODevice>
+
+#include <algorithm>
 
 namespace {
 
@@ -146,10 +150,19 @@ void HelpIndexReader::clean()
 
 void HelpIndexReader::reset()
 {
+    // A device that cannot be read is left as it is, like none: rewinding it could do harm
+    // (a file open for appending), and the verdict of the pass that tried it stands.
     QIODevice *device = this->device();
-    if (!device)
+    if (!device || !device->isReadable())
         return;
     device->reset();
     clear();
+    if ((m_entityCeiling & corvekit::detail::unmeasuredEntities) != 0) {
+        // Between two documents: learn what the last pass that broke off left behind.
+        const qint64 leftOver = corvekit::detail::leftOverReplacement(*this);
+        m_entityCeiling =
+            std::max(m_entityCeiling & ~corvekit::detail::unmeasuredEntities, leftOver);
+        clear();
+    }
     setDevice(device);
 }
