@@ -26,20 +26,6 @@ bool switchedOn(const char *variable)
     return value && value[0] == '1';
 }
 
-void hold(const std::vector<ProfileTask *> &tasks)
-{
-    for (ProfileTask *task : tasks)
-        ++task->m_holders;
-}
-
-void letGo(const std::vector<ProfileTask *> &tasks)
-{
-    for (ProfileTask *task : tasks) {
-        if (--task->m_holders == 0)
-            delete task;
-    }
-}
-
 // Posts a detail line: the task's name, the local time and the memory in use in whole MB.
 void postDetail(const char *format, const char *name)
 {
@@ -69,9 +55,7 @@ Profiler::Profiler(const Profiler &other)
     , m_stack(other.m_stack)
     , m_tasks(other.m_tasks)
     , m_index(other.m_index ? new ProfileTaskIndex(*other.m_index) : nullptr)
-{
-    hold(m_tasks);
-}
+{}
 
 Profiler::~Profiler()
 {
@@ -83,14 +67,12 @@ Profiler &Profiler::operator=(const Profiler &other)
 {
     if (this == &other)
         return *this;
-    // Everything that can throw comes first, and the records shared with `other` are held
-    // before this object's own are let go.
+    // Everything that can throw comes first. The records shared with `other` are held before
+    // this object's own are let go, which happens when `tasks` ends with the old list.
     std::unique_ptr<ProfileTaskIndex> index(other.m_index ? new ProfileTaskIndex(*other.m_index)
                                                           : nullptr);
     std::deque<ProfileTask *> stack = other.m_stack;
-    std::vector<ProfileTask *> tasks = other.m_tasks;
-    hold(tasks);
-    letGo(m_tasks);
+    std::vector<QExplicitlySharedDataPointer<SharedProfileTask>> tasks = other.m_tasks;
 
     m_enabled = other.m_enabled;
     m_detail = other.m_detail;
@@ -155,9 +137,7 @@ void Profiler::clear()
     m_current = nullptr;
     m_stack.clear();
     m_index->clear();
-    std::vector<ProfileTask *> tasks;
-    tasks.swap(m_tasks);
-    letGo(tasks);
+    m_tasks.clear();
 }
 
 bool Profiler::is_enabled()
@@ -174,16 +154,15 @@ ProfileTask *Profiler::getTask(const char *name)
     if (ProfileTask *found = m_index->find(name))
         return found;
 
-    std::unique_ptr<ProfileTask> task(new ProfileTask(name));
-    m_tasks.push_back(task.get());
+    const QExplicitlySharedDataPointer<SharedProfileTask> shared(new SharedProfileTask(name));
+    m_tasks.push_back(shared);
     try {
-        m_index->insert(task.get());
+        m_index->insert(&shared->task);
     } catch (...) {
         m_tasks.pop_back();
         throw;
     }
-    task->m_holders = 1;
-    return task.release();
+    return &shared->task;
 }
 
 } // namespace tivoran::corvekit

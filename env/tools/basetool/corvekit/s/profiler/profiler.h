@@ -3,6 +3,8 @@
 
 #include "corvekit_export.h"
 
+#include <QExplicitlySharedDataPointer>
+
 #include <deque>
 #include <vector>
 
@@ -10,6 +12,7 @@ namespace tivoran::corvekit {
 
 class ProfileTask;
 class ProfileTaskIndex;
+struct SharedProfileTask;
 
 /*!
  * Measures named GUI tasks: CPU time of the whole process, real time and growth of resident
@@ -28,7 +31,7 @@ class ProfileTaskIndex;
  *
  * Copies share the records made so far, and both add to their sums; from then on each copy
  * keeps its own running tasks and its own list. A record lives as long as any copy lists it:
- * clear() or destruction of one copy drops that copy's hold, and the last holder deletes it.
+ * clear() or destruction of one copy drops that copy's pointers, and the last one deletes it.
  *
  * An object belongs to one thread at a time.
  */
@@ -58,9 +61,11 @@ private:
 
     bool m_enabled = false;
     bool m_detail = false;
-    ProfileTask *m_current = nullptr;    // the running task, or null
-    std::deque<ProfileTask *> m_stack;   // tasks enclosing m_current, outermost first
-    std::vector<ProfileTask *> m_tasks;  // every record, in the order of first start; held
+    ProfileTask *m_current = nullptr;  // the running task, or null
+    std::deque<ProfileTask *> m_stack; // tasks enclosing m_current, outermost first
+    // Every record, in the order of first start.
+    // Shared by copies; see docs/design.md, "Shared state after a copy".
+    std::vector<QExplicitlySharedDataPointer<SharedProfileTask>> m_tasks;
     ProfileTaskIndex *m_index = nullptr; // finds m_tasks entries by name; owned, enabled only
 };
 

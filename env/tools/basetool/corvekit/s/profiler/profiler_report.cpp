@@ -15,9 +15,9 @@ namespace tivoran::corvekit {
 
 namespace {
 
-const QByteArray &displayText(const ProfileTask *task)
+const QByteArray &displayText(const ProfileTask &task)
 {
-    return task->m_title.isEmpty() ? task->m_name : task->m_title;
+    return task.m_title.isEmpty() ? task.m_name : task.m_title;
 }
 
 double megabytes(double bytes)
@@ -62,14 +62,15 @@ void Profiler::report(const char *title)
     std::uint64_t cpuWidth = 11;  // "CPU Time(s)"
     std::uint64_t realWidth = 12; // "Real Time(s)"
     std::uint64_t memWidth = 12;  // "Delta Mem(M)"
-    for (const ProfileTask *task : m_tasks) {
+    for (const auto &shared : m_tasks) {
+        const ProfileTask &task = shared->task;
         const std::uint64_t length =
-            task->m_level + static_cast<std::uint64_t>(displayText(task).size());
+            task.m_level + static_cast<std::uint64_t>(displayText(task).size());
         if (nameWidth < length)
             nameWidth = length;
-        widen(cpuWidth, task->m_cpuTime);
-        widen(realWidth, task->m_realTime);
-        const double memDigits = std::log10(megabytes(task->m_deltaMem)) + 1.0;
+        widen(cpuWidth, task.m_cpuTime);
+        widen(realWidth, task.m_realTime);
+        const double memDigits = std::log10(megabytes(task.m_deltaMem)) + 1.0;
         if (std::isfinite(memDigits) && memDigits > static_cast<double>(memWidth))
             memWidth = static_cast<std::uint64_t>(memDigits);
     }
@@ -93,13 +94,14 @@ void Profiler::report(const char *title)
     post_utmsg(rule.constData());
 
     QByteArray row;
-    for (const ProfileTask *task : m_tasks) {
+    for (const auto &shared : m_tasks) {
+        const ProfileTask &task = shared->task;
         // Indentation and name fill the name column together, so the bars stay in line.
-        row.fill(' ', static_cast<qsizetype>(task->m_level));
-        row += neoform("%-*s | %*.2f | %*.2f | %+*.2f", asWidth(nameWidth - task->m_level),
-                       displayText(task).constData(), asWidth(cpuWidth), task->m_cpuTime,
-                       asWidth(realWidth), task->m_realTime, asWidth(memWidth),
-                       megabytes(task->m_deltaMem));
+        row.fill(' ', static_cast<qsizetype>(task.m_level));
+        row += neoform("%-*s | %*.2f | %*.2f | %+*.2f", asWidth(nameWidth - task.m_level),
+                       displayText(task).constData(), asWidth(cpuWidth), task.m_cpuTime,
+                       asWidth(realWidth), task.m_realTime, asWidth(memWidth),
+                       megabytes(task.m_deltaMem));
         post_utmsg(row.constData());
     }
 

@@ -1,5 +1,7 @@
 #include "profilersettings.h"
 
+#include "corvekit/filekind_p.h"
+
 #include <QDebug>
 #include <QFileInfo>
 #include <QMessageLogger>
@@ -25,10 +27,13 @@ ProfilerSettings::ProfilerSettings()
         return;
     m_enabled = true;
     const QString path = QString::fromLocal8Bit(file);
-    if (!QFileInfo::exists(path))
+    const QFileInfo info(path);
+    if (!info.exists())
         QMessageLogger(QT_MESSAGELOG_FILE, QT_MESSAGELOG_LINE, QT_MESSAGELOG_FUNC).warning()
             << "ini file not exists" << path;
-    m_settings = new QSettings(path, QSettings::IniFormat);
+    // A FIFO, a socket or a device would block QSettings in open(). It reads as an unreadable
+    // file does, with no message and no key: QSettings gets no path to open.
+    m_settings = new QSettings(isSpecialFile(info) ? QString() : path, QSettings::IniFormat);
 }
 
 ProfilerSettings::~ProfilerSettings()

@@ -14,8 +14,9 @@ namespace tivoran::corvekit {
  * instance() call, which reads the environment once: the feature is on when ENABLE_GUI_PROFILER
  * begins with "1" and GUI_PROFILER_SETTINGS is set (also when empty); that variable names the
  * file. A file that does not exist is logged as a warning ("ini file not exists" and the path),
- * and the feature stays on with every key empty. Later changes of the environment are not seen.
- * Nothing is ever written to the file.
+ * and the feature stays on with every key empty. A file that cannot be read, and a FIFO, a socket
+ * or a device (never opened, so a pipe with no writer cannot block), give every key empty with
+ * no message. Later changes of the environment are not seen. Nothing is ever written to the file.
  */
 class CORVEKIT_EXPORT ProfilerSettings
 {

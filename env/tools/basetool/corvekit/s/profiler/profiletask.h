@@ -2,8 +2,8 @@
 #define CORVEKIT_PROFILETASK_H
 
 #include <QByteArray>
+#include <QSharedData>
 
-#include <cstddef>
 #include <cstdint>
 
 class UT_TIMER;
@@ -12,7 +12,7 @@ namespace tivoran::corvekit {
 
 /*!
  * The record of one named task of a Profiler: the sums of all its finished runs. Made by
- * Profiler::getTask, released by the last Profiler that holds it.
+ * Profiler::getTask, released with the last SharedProfileTask pointer to it.
  */
 class ProfileTask
 {
@@ -30,10 +30,18 @@ public:
     UT_TIMER *m_timer;         // owned
     double m_cpuTime = 0.0;    // seconds, summed over all stops
     double m_realTime = 0.0;   // seconds, summed over all stops
+};
 
-    // How many profilers (an original and its copies) list this record. The last one to let
-    // go deletes it, so copies never see a released record and never release it twice.
-    std::size_t m_holders = 0;
+// A record as a Profiler and its copies share it: each lists it through its own pointer, and
+// the last pointer to go deletes it, so no copy touches a record that another copy's clear()
+// or destructor has let go of.
+struct SharedProfileTask : QSharedData
+{
+    explicit SharedProfileTask(const char *name)
+        : task(name)
+    {}
+
+    ProfileTask task;
 };
 
 } // namespace tivoran::corvekit
