@@ -28,7 +28,7 @@ inline int byteOrder(char x, char y)
 }
 
 /*!
- * atoi of a run of three digits or more. Nine digits cannot overflow an int, so shorter runs are
+ * atoi of a digit run. Nine digits cannot overflow an int, so shorter runs are
  * read here; longer ones go to the platform's atoi, whose answer beyond an int is its own.
  */
 inline int longRunValue(const char *run)
@@ -43,19 +43,16 @@ inline int longRunValue(const char *run)
 }
 
 /*!
- * atoi of the digit run at \a run, or 0 where \a run holds no digit (a letter or the zero byte).
- * Pin numbers have one or two digits in no order that a sort could predict, so their count is a
- * select and not a branch: each byte is read only once the byte before it is known to be a
- * digit, which keeps every read at or before the zero byte.
+ * atoi of the digit run at \a run, whose first byte is a digit. Pin numbers have one or two
+ * digits in no order that a sort could predict, so their count is a select and not a branch.
  */
 inline int numberAt(const char *run)
 {
-    const bool one = isDigit(run[0]);
-    const char second = run[int(one)]; // run[0] again where there is no digit
+    const char second = run[1];
     const bool two = isDigit(second);
-    if (isDigit(run[int(one) + int(two)]))
+    if (two && isDigit(run[2]))
         return longRunValue(run);
-    const int first = one ? run[0] - '0' : 0;
+    const int first = run[0] - '0';
     return two ? first * 10 + (second - '0') : first;
 }
 

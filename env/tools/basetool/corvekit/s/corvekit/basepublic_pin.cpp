@@ -3,7 +3,6 @@
 #include "basepublic_p.h"
 
 #include <cstddef>
-#include <cstdint>
 #include <cstring>
 
 using basepublic_p::byteOrder;
@@ -19,47 +18,6 @@ std::size_t nextDigit(const char *name, std::size_t from)
     while (name[from] != 0 && !isDigit(name[from]))
         ++from;
     return from;
-}
-
-/*!
- * A pin name read for comparePinV: its number, the length of its letter part, and the first
- * seven bytes of that part as one integer, the first byte the most significant. Between letter
- * parts of the same length, the integers compare as the bytes do.
- */
-struct PinVKey
-{
-    int number;
-    std::size_t letters;
-    std::uint64_t head;
-};
-
-constexpr std::size_t headBytes = 7;
-
-/*!
- * Reads the key of \a name. Pins are short and a sort cannot predict their bytes, so the head is
- * read with no branch on them: the index stops at the first digit or the zero byte, and what
- * lies behind it is read again and dropped.
- */
-PinVKey pinVKey(const char *name)
-{
-    PinVKey key{0, 0, 0};
-    bool inLetters = true;
-    for (std::size_t k = 0; k < headBytes; ++k) {
-        const char c = name[key.letters];
-        inLetters = inLetters & (c != 0) & !isDigit(c);
-        key.head = inLetters ? key.head << 8 | static_cast<unsigned char>(c) : key.head;
-        key.letters += inLetters;
-    }
-    if (inLetters)
-        key.letters = nextDigit(name, headBytes);
-    key.number = numberAt(name + key.letters);
-    return key;
-}
-
-template<typename T>
-int order(T x, T y)
-{
-    return (x > y) - (x < y);
 }
 
 } // namespace
@@ -97,15 +55,15 @@ int BasePublic::comparePinH(const char *a, const char *b)
 
 int BasePublic::comparePinV(const char *a, const char *b)
 {
-    const PinVKey x = pinVKey(a);
-    const PinVKey y = pinVKey(b);
-    const int byNumber = order(x.number, y.number);
-    const int byLetters = order(x.letters, y.letters);
-    const int byHead = order(x.head, y.head);
-    const int result = byNumber != 0 ? byNumber : (byLetters != 0 ? byLetters : byHead);
-    if (result != 0 || x.letters <= headBytes)
-        return result;
-    // Letter parts longer than the head, equal in it: the rest of them. They hold no zero byte,
-    // so memcmp has the sign of strncmp.
-    return order(std::memcmp(a + headBytes, b + headBytes, x.letters - headBytes), 0);
+    const std::size_t lettersA = nextDigit(a, 0);
+    const std::size_t lettersB = nextDigit(b, 0);
+    const int numberA = a[lettersA] != 0 ? numberAt(a + lettersA) : 0;
+    const int numberB = b[lettersB] != 0 ? numberAt(b + lettersB) : 0;
+    if (numberA != numberB)
+        return numberA < numberB ? -1 : 1;
+    if (lettersA != lettersB)
+        return lettersA < lettersB ? -1 : 1;
+    // Letter parts hold no zero byte, so memcmp has the sign of strncmp over them.
+    const int order = std::memcmp(a, b, lettersA);
+    return (order > 0) - (order < 0);
 }
