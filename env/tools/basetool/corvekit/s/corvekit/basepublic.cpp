@@ -172,18 +172,10 @@ std::size_t encode(const char *name, unsigned char *out)
     return lengthA == lengthB ? 0 : (lengthA < lengthB ? 1 : -1);
 }
 
-/*!
- * The length of \a name, or alwaysFits + 1 where it is longer than that. Short names are measured
- * a byte at a time, which reads no cache line beyond theirs; longer ones by memchr.
- */
+// The length of \a name, or alwaysFits + 1 where it is longer than that.
 std::size_t boundedLength(const char *name)
 {
-    constexpr std::size_t shortName = 16;
-    for (std::size_t k = 0; k < shortName; ++k) {
-        if (name[k] == 0)
-            return k;
-    }
-    const void *end = std::memchr(name + shortName, 0, alwaysFits + 1 - shortName);
+    const void *end = std::memchr(name, 0, alwaysFits + 1);
     return end ? static_cast<std::size_t>(static_cast<const char *>(end) - name) : alwaysFits + 1;
 }
 
