@@ -120,7 +120,9 @@ void TestNames::matchesLiteral()
         const char *x = placeBefore(endA, a, std::size_t(i % 41));
         const char *y = placeBefore(endB, b, std::size_t(i / 41 % 41));
         if (mismatch(a.c_str(), b.c_str()) >= 0 || mismatch(x, y) >= 0)
-            QFAIL(QByteArray::fromStdString(a + " | " + b).toHex(' ').constData());
+            QFAIL(QByteArray(QByteArray::fromStdString(a).toHex(' ') + " | " +
+                             QByteArray::fromStdString(b).toHex(' '))
+                      .constData());
     }
     QCOMPARE(BasePublic::compareNameNum(nullptr, ""), -1);
     QCOMPARE(BasePublic::compareNameNum("A1", nullptr), 1);
