@@ -140,9 +140,9 @@ std::size_t encode(const char *name, unsigned char *out)
 
 /*!
  * Whether a name longer than alwaysFits bytes fits its buffer; if not, the trace line that
- * refuses it. Out of line: the common path of a comparison never gets here.
+ * refuses it. The common path of a comparison never gets here.
  */
-[[gnu::noinline, gnu::cold]] bool acceptedLongName(const char *name)
+bool acceptedLongName(const char *name)
 {
     if (encode(name, nullptr) <= maxEncodedLength)
         return true;
@@ -159,7 +159,7 @@ std::size_t encode(const char *name, unsigned char *out)
  * where those are equal, the longer encoding comes first. For the rare pairs whose encodings
  * fall out of step: a count byte equal to a plain byte, or equal tokens of different text.
  */
-[[gnu::noinline]] int compareEncodings(const char *a, const char *b)
+int compareEncodings(const char *a, const char *b)
 {
     unsigned char encodedA[maxEncodedLength + 2];
     unsigned char encodedB[maxEncodedLength + 2];
