@@ -12,11 +12,8 @@
  * non-digit. There is no locale and no case folding. None allocates memory on its normal path or
  * touches shared state, so any number of threads may call them at once.
  *
- * On x86-64 names are scanned sixteen bytes at a time (SSE2), and names of up to fifteen bytes
- * are read as one block each: a load may reach up to fifteen bytes past the zero byte of a name
- * (or before its first byte, in an aligned block), never into another memory page, and those
- * bytes never affect a result. Valgrind's memcheck may report such loads as reads outside a
- * block. Elsewhere names are read a byte at a time, up to their zero byte.
+ * No byte is read before the first byte of a name or past its zero byte, so callers stay clean
+ * under AddressSanitizer and Valgrind's memcheck.
  *
  * A negative result puts the first name before the second, a positive one after it. Callers rely
  * on the sign alone.

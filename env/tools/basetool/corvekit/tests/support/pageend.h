@@ -2,34 +2,20 @@
 #define CORVEKIT_TESTS_PAGEEND_H
 
 #include <cstddef>
+#include <cstring>
 #include <string>
 
-/*!
- * Readable pages followed by one that cannot be read, to put names right before the boundary:
- * a scan that reads across it faults. One name at a time.
- */
-class PageEnd
+// The end of at least \a capacity readable bytes that a page which cannot be read follows, so
+// that a read past a name copied against it faults; null if the platform refuses. The pages stay
+// mapped for the life of the process.
+char *readableEnd(std::size_t capacity);
+
+// Copies \a name with its zero byte so that \a slack bytes lie between it and \a end.
+inline const char *placeBefore(char *end, const std::string &name, std::size_t slack = 0)
 {
-public:
-    // Room for names of up to \a capacity bytes with their zero byte.
-    explicit PageEnd(std::size_t capacity = 4096);
-    ~PageEnd();
-    PageEnd(const PageEnd &) = delete;
-    PageEnd &operator=(const PageEnd &) = delete;
-
-    bool isValid() const { return m_readable != nullptr; }
-
-    /*!
-     * Copies \a name with its zero byte so that \a slack bytes of the page follow the zero byte
-     * (0: the zero byte is the last readable byte). Returns the copy, or null if it does not
-     * fit.
-     */
-    const char *place(const std::string &name, std::size_t slack = 0);
-
-private:
-    char *m_readable = nullptr;
-    std::size_t m_readableSize = 0;
-    std::size_t m_pageSize = 0;
-};
+    char *copy = end - slack - name.size() - 1;
+    std::memcpy(copy, name.c_str(), name.size() + 1);
+    return copy;
+}
 
 #endif

@@ -3,24 +3,14 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-PageEnd::PageEnd(std::size_t capacity)
+char *readableEnd(std::size_t capacity)
 {
-    m_pageSize = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
-    m_readableSize = (capacity + m_pageSize - 1) / m_pageSize * m_pageSize;
-    void *pages = mmap(nullptr, m_readableSize + m_pageSize, PROT_READ | PROT_WRITE,
-                       MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    const std::size_t readable = (capacity + page - 1) / page * page;
+    void *pages =
+        mmap(nullptr, readable + page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (pages == MAP_FAILED)
-        return;
-    char *first = static_cast<char *>(pages);
-    if (mprotect(first + m_readableSize, m_pageSize, PROT_NONE) != 0) {
-        munmap(pages, m_readableSize + m_pageSize);
-        return;
-    }
-    m_readable = first;
-}
-
-PageEnd::~PageEnd()
-{
-    if (m_readable)
-        munmap(m_readable, m_readableSize + m_pageSize);
+        return nullptr;
+    char *end = static_cast<char *>(pages) + readable;
+    return mprotect(end, page, PROT_NONE) == 0 ? end : nullptr;
 }
