@@ -22,11 +22,7 @@ public:
     QString versionFile() const { return root() + QStringLiteral("/data/zeksys.ini"); }
 
     bool setSystem(const QByteArray &text) const { return writeFile(systemFile(), text); }
-    bool setUser(const QByteArray &text) const { return writeFile(userFile(), text); }
     bool setProject(const QByteArray &text) const { return writeFile(projectFile(), text); }
-    bool setVersion(const QByteArray &text) const { return writeFile(versionFile(), text); }
-    //! Makes a folder below the install root, as a companion tool's installation would.
-    bool makeToolFolder(const QString &relative) const { return QDir(root()).mkpath(relative); }
 
     QProcessEnvironment environment() const
     {

@@ -217,12 +217,10 @@ void TestInstallation::stamp_data()
     stampRow("date", "Apr 11 2025", ' ', "2025-04-11");
     stampRow("date, padded day", "Sep  1 2025", ' ', "2025-09-01");
     stampRow("date, day first", "11 APR 2025", ' ', "2025-04-11");
-    stampRow("date, two parts", "Apr 11", ' ', "");
     stampRow("date, four parts", "Jan 11 2025 x", ' ', "");
     stampRow("date, a long month name", "January 11 2025", ' ', "");
     stampRow("time", "01:22:07", ':', "01:22:07");
     stampRow("time, an empty part is 0", "23::59", ':', "23:00:59");
-    stampRow("time, two parts", "01:22", ':', "");
     stampRow("time, four parts", "01:22:07:00", ':', "");
 }
 
