@@ -3,7 +3,6 @@
 // that lies in app/bin/nt64 of a throw-away installation; the build stamp parsers in-process.
 // The tool's installation tests cover the plain version patterns, the product group and the file
 // type filters.
-#include "childprocess.h"
 #include "sampleinstallation.h"
 
 #include "corvekit/basesystem_p.h"
@@ -14,7 +13,6 @@
 #include <QTest>
 
 #include <cstdio>
-#include <sys/stat.h>
 
 using B = BaseSystem;
 
@@ -69,24 +67,14 @@ int runSteps()
     return 0;
 }
 
-ScenarioTable scenarios()
-{
-    return {{QStringLiteral("steps"), runSteps}};
-}
+const auto scenarios = [] { return ScenarioTable{{QStringLiteral("steps"), runSteps}}; };
 
-// A row of steps(): the setup, the steps, and the lines the child prints: the traces (where
-// TIVORANDEBUG is set) and one line a step, then "E:" and each line of standard error. The setup
-// holds "NAME=value" for the child's environment, or "NAME" to remove it (TOOLRTF is $T unless
-// removed or replaced); "path=text" for a file, a path ending in "/" for a folder, a path alone
-// for a FIFO.
+// A row of steps(): the set-up (see SampleInstallation::apply(); TOOLRTF is $T unless removed or
+// replaced), the steps, and the lines the child prints: the traces (where TIVORANDEBUG is set) and
+// one line a step, then "E:" and each line of standard error.
 void row(const char *name, const QString &setup, const char *steps, const QString &output)
 {
     QTest::newRow(name) << setup << QString(steps) << output;
-}
-
-void stampRow(const char *name, const char *text, char separator, const QString &expected)
-{
-    QTest::newRow(name) << QByteArray(text) << separator << expected;
 }
 
 } // namespace
@@ -102,9 +90,6 @@ private slots:
     void stamp();
 };
 
-// $R is the application's root and $T the install root; $S, $U, $J and $V are the system, user
-// and project levels and the version file; $P is a library that makes setenv fail and $M the
-// message of a missing version file.
 void TestInstallation::steps_data()
 {
     for (const char *column : {"setup", "steps", "output"})
@@ -112,8 +97,8 @@ void TestInstallation::steps_data()
     const QString folders = "$T/synpbase/;$T/tptools/synplify/windows/;$T/precision/;"
                             "$T/active-hdl/;$T/modeltech/win32loem/;$T/questasim/win64/;";
     const QString questa = "|QuestaSim|QUESTASIM_PATH";
-    const QString missing =
-        "0.0.0|0.0.0|0.0.0|0.0.0|0.0.0|0.0.0|0.0.0||" + QString(";E:$M").repeated(9);
+    const QString missing = "0.0.0|0.0.0|0.0.0|0.0.0|0.0.0|0.0.0|0.0.0||" +
+                            QString(";E:Error :  \"$V\"  doesn't exist!").repeated(9);
 
     row("layout below the application's root, unresolved; start-up, nothing set", "TOOLRTF",
         "layout,init",
@@ -133,7 +118,8 @@ void TestInstallation::steps_data()
     row("start-up, empty values count as set", "TOOLRTF=;FOUNDRY=;ZEKPROG_PATH=", "init", "||");
     // The writes are traced before they are tried, so a failed one is traced too.
     row("environment writes; start-up, TOOLRTF cannot be stored",
-        "TOOLRTF;V=old;TIVORANDEBUG=;LD_PRELOAD=$P;CORVEKIT_FAIL_SETENV=TOOLRTF;"
+        "TOOLRTF;V=old;TIVORANDEBUG=;LD_PRELOAD=" CORVEKIT_FAILING_SETENV
+        ";CORVEKIT_FAIL_SETENV=TOOLRTF;"
         "ASAN_OPTIONS=verify_asan_link_order=0;QT_MESSAGE_PATTERN=%{type}|%{function}|%{message}",
         "init,set:V:/opt/x,bool:V:1,bool:V:0,set:V:a\u20ac,set:V:,unset:V,set::x",
         "setenv TOOLRTF=$R;setenv FOUNDRY=$R/zekfpga;-|$R/zekfpga|-;setenv V=/opt/x;0|/opt/x;"
@@ -171,30 +157,9 @@ void TestInstallation::steps()
 
     SampleInstallation installation;
     QVERIFY(installation.isValid());
-    const auto expand = [&](QString text) {
-        return text.replace("$M", "Error :  \"$V\"  doesn't exist!")
-            .replace("$R", installation.path(QStringLiteral("app")))
-            .replace("$T", installation.root())
-            .replace("$S", installation.systemFile())
-            .replace("$U", installation.userFile())
-            .replace("$J", installation.projectFile())
-            .replace("$V", installation.versionFile())
-            .replace("$P", CORVEKIT_FAILING_SETENV);
-    };
     QProcessEnvironment childEnvironment = installation.environment();
     childEnvironment.insert(QStringLiteral("CORVEKIT_TEST_STEPS"), steps);
-    for (const QString &entry : expand(setup).split(';', Qt::SkipEmptyParts)) {
-        const QString name = entry.section('=', 0, 0);
-        if (!name.startsWith('/')) // a variable of the child's environment
-            entry.contains('=') ? childEnvironment.insert(name, entry.section('=', 1))
-                                : childEnvironment.remove(name);
-        else if (entry.endsWith('/'))
-            QVERIFY(QDir().mkpath(name));
-        else if (!entry.contains('='))
-            QCOMPARE(mkfifo(QFile::encodeName(name).constData(), 0600), 0);
-        else
-            QVERIFY(writeFile(name, entry.section('=', 1).toUtf8()));
-    }
+    QVERIFY(installation.apply(installation.expand(setup), childEnvironment));
     const QString program = placeApplication(installation.path(QStringLiteral("app/bin/nt64")));
     const ChildResult child = runScenario(QStringLiteral("steps"), childEnvironment, program);
     QCOMPARE(child.exitCode, 0);
@@ -203,34 +168,34 @@ void TestInstallation::steps()
         lines << (line.startsWith("CORVEKIT At ") ? line.section(": ", 1) : line);
     for (const QString &line : child.errorLines())
         lines << "E:" + line;
-    QCOMPARE(lines, expand(output).split(';'));
+    QCOMPARE(lines, installation.expand(output).split(';'));
 }
 
 // Build stamps, each parsed as a date and as a time: the one that fits gives the expected text in
 // ISO form, and the other nothing.
 void TestInstallation::stamp_data()
 {
-    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QString>("text");
     QTest::addColumn<char>("separator");
     QTest::addColumn<QString>("expected");
 
-    stampRow("date", "Apr 11 2025", ' ', "2025-04-11");
-    stampRow("date, padded day", "Sep  1 2025", ' ', "2025-09-01");
-    stampRow("date, day first", "11 APR 2025", ' ', "2025-04-11");
-    stampRow("date, four parts", "Jan 11 2025 x", ' ', "");
-    stampRow("date, a long month name", "January 11 2025", ' ', "");
-    stampRow("time", "01:22:07", ':', "01:22:07");
-    stampRow("time, an empty part is 0", "23::59", ':', "23:00:59");
-    stampRow("time, four parts", "01:22:07:00", ':', "");
+    QTest::newRow("date") << "Apr 11 2025" << ' ' << "2025-04-11";
+    QTest::newRow("date, padded day") << "Sep  1 2025" << ' ' << "2025-09-01";
+    QTest::newRow("date, day first") << "11 APR 2025" << ' ' << "2025-04-11";
+    QTest::newRow("date, four parts") << "Jan 11 2025 x" << ' ' << "";
+    QTest::newRow("date, a long month name") << "January 11 2025" << ' ' << "";
+    QTest::newRow("time") << "01:22:07" << ':' << "01:22:07";
+    QTest::newRow("time, an empty part is 0") << "23::59" << ':' << "23:00:59";
+    QTest::newRow("time, four parts") << "01:22:07:00" << ':' << "";
 }
 
 void TestInstallation::stamp()
 {
-    QFETCH(QByteArray, text);
+    QFETCH(QString, text);
     QFETCH(char, separator);
     QFETCH(QString, expected);
-    QCOMPARE(corvekit::detail::parseStampDate(text, separator).toString(Qt::ISODate) +
-                 corvekit::detail::parseStampTime(text, separator).toString(Qt::ISODate),
+    QCOMPARE(corvekit::detail::parseStampDate(text.toUtf8(), separator).toString(Qt::ISODate) +
+                 corvekit::detail::parseStampTime(text.toUtf8(), separator).toString(Qt::ISODate),
              expected);
 }
 

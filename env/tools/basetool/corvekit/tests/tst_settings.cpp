@@ -1,6 +1,5 @@
 // BaseSettings, BaseUsrSettings and BasePrjSettings. What depends on the environment, HOME or the
 // project path runs in children with a sample installation; the rest in this process.
-#include "childprocess.h"
 #include "sampleinstallation.h"
 
 #include <corvekit/baseprjsettings.h>
@@ -8,7 +7,6 @@
 #include <corvekit/baseusrsettings.h>
 
 #include <QCoreApplication>
-#include <QProcess>
 #include <QSettings>
 #include <QTest>
 
@@ -33,11 +31,6 @@ QString valuesOf(const QString &path)
     return values.join(QLatin1Char(' '));
 }
 
-void put(const char *name, const QString &value)
-{
-    report(QLatin1String(name), value);
-}
-
 // Opens the levels as APP, STATIC (for setProjectPath) and ARG (the constructor's) say, through a
 // copy of an assigned object whose first holder is gone, and looks K up in every way. Then the
 // system file under other roots, and the writers and removers.
@@ -50,32 +43,33 @@ int runLevels()
     BaseSettings other(QStringLiteral("other"));
     other.setOnProjectLevel(QStringLiteral("PENDING"), 1);
     other = *original; // other's own levels go now, and write what is pending
-    put("flushed", valuesOf(QStringLiteral("other.setting.ini")));
-    put("static", QDir::cleanPath(BaseSettings().getProjectLeverSetting()->fileName()));
+    report("flushed", valuesOf(QStringLiteral("other.setting.ini")));
+    report("static", QDir::cleanPath(BaseSettings().getProjectLeverSetting()->fileName()));
     other = std::as_const(other);
     BaseSettings settings(other);
     delete original;
-    put("project", QDir::cleanPath(settings.getProjectLeverSetting()->fileName()));
-    put("user", settings.getUserSetting()->fileName() +
-                    QLatin1String(settings.isUseGroupSettingFile() ? " (group)" : ""));
+    report("project", QDir::cleanPath(settings.getProjectLeverSetting()->fileName()));
+    report("user", settings.getUserSetting()->fileName() +
+                       QLatin1String(settings.isUseGroupSettingFile() ? " (group)" : ""));
     const QString key = QStringLiteral("K");
     const QString fallback = QStringLiteral("<default>");
-    put("get", describe(settings.getSetting(key, fallback)) + QLatin1Char(',') +
-                   describe(settings.getDefaultSetting(key, fallback)));
+    report("get", describe(settings.getSetting(key, fallback)) + QLatin1Char(',') +
+                      describe(settings.getDefaultSetting(key, fallback)));
     // "+" or "-" for the found flag, which goes in as \a found, then the result.
     const auto flagged = [&](auto lookup, bool found) {
         const QVariant result = QVariant::fromValue((settings.*lookup)(found, key));
         return QLatin1String(found ? "+" : "-") + describe(result);
     };
-    put("typed", QStringList{flagged(&BaseSettings::getBooleanSetting, true),
-                             flagged(&BaseSettings::getIntegerSetting, true),
-                             flagged(&BaseSettings::getStringListSetting, true),
-                             flagged(&BaseSettings::getDefaultBooleanSetting, false),
-                             flagged(&BaseSettings::getDefaultIntegerSetting, false),
-                             flagged(&BaseSettings::getDefaultStringListSetting, false)}
-                     .join(QLatin1Char('|')));
+    report("typed", QStringList{flagged(&BaseSettings::getBooleanSetting, true),
+                                flagged(&BaseSettings::getIntegerSetting, true),
+                                flagged(&BaseSettings::getStringListSetting, true),
+                                flagged(&BaseSettings::getDefaultBooleanSetting, false),
+                                flagged(&BaseSettings::getDefaultIntegerSetting, false),
+                                flagged(&BaseSettings::getDefaultStringListSetting, false)}
+                        .join(QLatin1Char('|')));
     BaseUsrSettings own("MyTool");
-    put("own", own.fileName() + QLatin1Char(' ') + own.value(key, QStringLiteral("-")).toString());
+    report("own",
+           own.fileName() + QLatin1Char(' ') + own.value(key, QStringLiteral("-")).toString());
 
     // The system file follows TOOLRTF, and below a relative one the working directory: the
     // second "." is looked up from the install root.
@@ -87,7 +81,7 @@ int runLevels()
         follow << describe(BaseSettings().getDefaultStringSetting(key));
         QDir::setCurrent(follow.size() == 2 ? root : project);
     }
-    put("follow", follow.join(QLatin1Char(',')));
+    report("follow", follow.join(QLatin1Char(',')));
 
     settings.setOnUserLevel(QStringLiteral("U"), -3);
     settings.setOnProjectLevel(QStringLiteral("P"), QStringList{"a", "b"});
@@ -97,14 +91,11 @@ int runLevels()
     written << describe(settings.getStringSetting(key))
             << describe(settings.getUserSetting()->value(QStringLiteral("U")))
             << describe(settings.getProjectLeverSetting()->value(QStringLiteral("P")));
-    put("written", written.join(QLatin1Char(',')));
+    report("written", written.join(QLatin1Char(',')));
     return 0;
 }
 
-ScenarioTable scenarios()
-{
-    return {{QStringLiteral("levels"), runLevels}};
-}
+const auto scenarios = [] { return ScenarioTable{{QStringLiteral("levels"), runLevels}}; };
 
 } // namespace
 
@@ -120,39 +111,37 @@ private slots:
 
 void TestSettings::levels_data()
 {
-    // Each row: the setup, " => ", what is expected, each split at ";". Setup: "<path>:<text>"
-    // writes a file, "!<program> <argument>" runs one, "NAME=value" sets a variable; the group
-    // path $G is named in SOLVANE_GROUP_SETTING_FILE when a step makes it. $P is the project
-    // folder, $M the suite's folder in the user's settings area, $U the user file, $S the system
-    // file, which holds K=system unless a row writes it. Expected: what the child reports ("get"
-    // is the layered lookup, then the system level's), and "stderr=" its warnings, none if not
-    // given.
+    // Each row: the set-up (see SampleInstallation::apply()), " => ", what is expected, split at
+    // ";". The system file holds K=system unless a row writes it. Expected: what the child reports
+    // ("get" is the layered lookup, then the system level's), and "stderr=" its warnings, none if
+    // not given.
     QTest::addColumn<QString>("row");
 
     QTest::newRow("project before user before system")
-        << "$P.setting.ini:K=project;$U:K=user => get=project,system;user=$U;flushed=PENDING=1;"
+        << "$J=K=project\n;$U=K=user\n => get=project,system;user=$U;flushed=PENDING=1;"
            "written=user,system,-3,[a,b];follow=<null>,<null>,system,system";
     QTest::newRow("no level")
-        << "$S:X=1 => get=<default>,<default>;typed=-false|-0|-[]|-false|-0|-[]";
+        << "$S=X=1\n => get=<default>,<default>;typed=-false|-0|-[]|-false|-0|-[]";
     QTest::newRow("empty value hides the next level")
-        << "$P.setting.ini:K=;$U:K=user;$S:K= => get=,;typed=+false|+0|+[]|+false|+0|+[]";
+        << "$J=K=\n;$U=K=user\n;$S=K=\n => get=,;typed=+false|+0|+[]|+false|+0|+[]";
     QTest::newRow("project only, not a number")
-        << "$P.setting.ini:K=ten;$S:X=1 => get=ten,<default>;typed=+true|+0|+[ten]|-false|-0|-[]";
+        << "$J=K=ten\n;$S=X=1\n => get=ten,<default>;typed=+true|+0|+[ten]|-false|-0|-[]";
     QTest::newRow("organisation-wide file is no level")
-        << "$M/OstraneNG.ini:K=org;$S:X=1 => get=<default>,<default>;own=$M/OstraneNG/mytool.ini -";
-    QTest::newRow("group file") << "$G:K=group;$U:K=user => get=group,system;user=$G (group)";
+        << "$M/OstraneNG.ini=K=org\n;$S=X=1\n => get=<default>,<default>;"
+           "own=$M/OstraneNG/mytool.ini -";
+    QTest::newRow("group file") << "$G=K=group\n;$U=K=user\n => get=group,system;user=$G (group)";
     QTest::newRow("group file not made yet") << "SOLVANE_GROUP_SETTING_FILE=$G => user=$G (group)";
     QTest::newRow("group path is a directory")
-        << "!mkdir $G => get=system,system;user=$G (group);stderr=Warning: There is access or "
-           "format error in file $G";
+        << "$G/ => get=system,system;user=$G (group);stderr=Warning: There is access or format "
+           "error in file $G";
     QTest::newRow("malformed group file")
-        << "$G:[General\nA=1 => get=system,system;user=$G (group);stderr=Warning: There is access "
-           "or format error in file $G";
+        << "$G=[General\nA=1\n => get=system,system;user=$G (group);stderr=Warning: There is "
+           "access or format error in file $G";
     QTest::newRow("group path is a FIFO")
-        << "!mkfifo $G;$U:K=user => get=user,system;user=$U;stderr=Warning: The group setting file "
+        << "$G;$U=K=user\n => get=user,system;user=$U;stderr=Warning: The group setting file "
            "'$G' is not readable and use individual setting file instead.";
     QTest::newRow("sibling application ignores the group file")
-        << "APP=Fenwright Studio;$G:K=group => user=$M/FenwrightStudio/.setting.ini";
+        << "APP=Fenwright Studio;$G=K=group\n => user=$M/FenwrightStudio/.setting.ini";
     QTest::newRow("argument before static path")
         << "STATIC=/p/;ARG=/a => project=/a.setting.ini;static=/p/.setting.ini";
 }
@@ -161,38 +150,21 @@ void TestSettings::levels()
 {
     QFETCH(QString, row);
     SampleInstallation installation;
-    QVERIFY(installation.isValid() && installation.setSystem("K=system\n"));
-    const QString group = installation.path(QStringLiteral("team.ini"));
-    row.replace(QLatin1String("$G"), group)
-        .replace(QLatin1String("$P"), installation.project())
-        .replace(QLatin1String("$U"), installation.userFile())
-        .replace(QLatin1String("$S"), installation.systemFile())
-        .replace(QLatin1String("$M"), installation.home() + QStringLiteral("/.config/Meravex"));
-    const QString expected = row.section(QLatin1String(" => "), 1);
+    QVERIFY(installation.isValid() && writeFile(installation.expand("$S"), "K=system\n"));
     QProcessEnvironment environment = installation.environment();
-    for (const QString &entry : row.section(QLatin1String(" => "), 0, 0).split(QLatin1Char(';'))) {
-        const QString path = entry.section(QLatin1Char(':'), 0, 0);
-        if (entry.startsWith(QLatin1Char('!')))
-            QCOMPARE(QProcess::execute(path.mid(1).section(QLatin1Char(' '), 0, 0), {group}), 0);
-        else if (path == entry)
-            environment.insert(entry.section(QLatin1Char('='), 0, 0),
-                               entry.section(QLatin1Char('='), 1));
-        else
-            QVERIFY(writeFile(path, entry.section(QLatin1Char(':'), 1).toUtf8() + '\n'));
-        if (entry.contains(group))
-            environment.insert(QStringLiteral("SOLVANE_GROUP_SETTING_FILE"), group);
-    }
+    const QString setup = row.section(QLatin1String(" => "), 0, 0);
+    if (setup.contains(QLatin1String("$G"))) // rows that mention the group file name it
+        environment.insert(QStringLiteral("SOLVANE_GROUP_SETTING_FILE"), installation.expand("$G"));
+    QVERIFY(installation.apply(installation.expand(setup), environment));
+    const QString expected = installation.expand(row.section(QLatin1String(" => "), 1));
     const ChildResult child =
         runScenario(QStringLiteral("levels"), environment, {}, installation.project());
     QCOMPARE(child.exitCode, 0);
     QStringList warnings = child.errorLines();
     warnings.removeDuplicates(); // one from each object the child makes
     QCOMPARE(warnings.join(QLatin1Char('\n')), expected.section(QLatin1String("stderr="), 1));
-    const QString reports = expected.section(QLatin1String("stderr="), 0, 0);
-    for (const QString &line : reports.split(QLatin1Char(';'), Qt::SkipEmptyParts)) {
-        const QString name = line.section(QLatin1Char('='), 0, 0);
-        QCOMPARE(name + QLatin1Char('=') + child.value(name), line);
-    }
+    for (const QString &line : expected.section("stderr=", 0, 0).split(';', Qt::SkipEmptyParts))
+        QCOMPARE(child.reportLine(line.section('=', 0, 0)), line);
 }
 
 // Assignment shares one QSettings, which goes with the last wrapper or with its QObject parent,

@@ -3,15 +3,14 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QProcess>
+#include <QRegularExpression>
 
 #include <cstdio>
 
-QMap<QString, QString> ChildResult::values() const
+QString ChildResult::reportLine(const QString &name) const
 {
-    QMap<QString, QString> result;
-    for (const QString &line : outputLines())
-        result.insert(line.section(QLatin1Char('='), 0, 0), line.section(QLatin1Char('='), 1));
-    return result;
+    const QRegularExpression line('^' + QRegularExpression::escape(name) + '=');
+    return outputLines().filter(line).value(0);
 }
 
 QStringList ChildResult::lines(const QByteArray &text)
@@ -71,9 +70,9 @@ QString placeApplication(const QString &directory)
     return QDir().mkpath(directory) && QFile::copy(source, target) ? target : QString();
 }
 
-void report(const QString &name, const QString &value)
+void report(const char *name, const QString &value)
 {
-    std::printf("%s=%s\n", name.toUtf8().constData(), value.toUtf8().constData());
+    std::printf("%s=%s\n", name, value.toUtf8().constData());
     std::fflush(stdout);
 }
 
@@ -82,13 +81,4 @@ bool writeFile(const QString &path, const QByteArray &text)
     QFile file(path);
     return QDir().mkpath(QFileInfo(path).absolutePath()) &&
            file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(text) == text.size();
-}
-
-bool runChildScenario(const ScenarioTable &scenarios, int &exitCode)
-{
-    const QString name = qEnvironmentVariable("CORVEKIT_TEST_SCENARIO");
-    if (name.isEmpty())
-        return false;
-    exitCode = scenarios.value(name, [] { return 99; })();
-    return true;
 }

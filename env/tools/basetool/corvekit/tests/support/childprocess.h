@@ -18,9 +18,8 @@ struct ChildResult
     QByteArray standardOutput;
     QByteArray standardError;
 
-    // Lines "name=value" that a scenario printed with report(), by name.
-    QMap<QString, QString> values() const;
-    QString value(const QString &name) const { return values().value(name); }
+    // The line "name=value" that a scenario printed with report(\a name), or an empty text.
+    QString reportLine(const QString &name) const;
     QStringList outputLines() const { return lines(standardOutput); }
     QStringList errorLines() const { return lines(standardError); }
     static QStringList lines(const QByteArray &text);
@@ -45,25 +44,22 @@ ChildResult runProgram(const QString &program, const QStringList &arguments,
 QString placeApplication(const QString &directory);
 
 // In a child: prints "name=value" for the parent to read.
-void report(const QString &name, const QString &value);
+void report(const char *name, const QString &value);
 
 // Writes \a text to \a path, making its folders; false on an error.
 bool writeFile(const QString &path, const QByteArray &text);
 
 using ScenarioTable = QMap<QString, std::function<int()>>;
 
-// Runs the scenario that CORVEKIT_TEST_SCENARIO names, if any, and gives its exit code (99 for a
-// name the table lacks) in \a exitCode. Returns false in the parent, which then runs its tests.
-bool runChildScenario(const ScenarioTable &scenarios, int &exitCode);
-
-// A main() for a Qt Test class whose tests start children running \a scenarios.
+// A main() for a Qt Test class whose tests start children running \a scenarios: a child runs the
+// one that CORVEKIT_TEST_SCENARIO names and exits with its code (99 for a name the table lacks).
 #define CORVEKIT_TEST_MAIN_WITH_SCENARIOS(TestClass, scenarios)                                    \
     int main(int argc, char *argv[])                                                               \
     {                                                                                              \
         QCoreApplication application(argc, argv);                                                  \
-        int childExit = 0;                                                                         \
-        if (runChildScenario(scenarios(), childExit))                                              \
-            return childExit;                                                                      \
+        const QString scenario = qEnvironmentVariable("CORVEKIT_TEST_SCENARIO");                   \
+        if (!scenario.isEmpty())                                                                   \
+            return scenarios().value(scenario, [] { return 99; })();                               \
         TestClass test;                                                                            \
         return QTest::qExec(&test, argc, argv);                                                    \
     }
