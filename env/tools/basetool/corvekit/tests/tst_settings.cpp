@@ -31,6 +31,29 @@ QString valuesOf(const QString &path)
     return values.join(QLatin1Char(' '));
 }
 
+// Drives every operation of a scoped file once; each must reach the QSettings behind it.
+template<typename Handle>
+QString forwarded(Handle &file)
+{
+    file.beginGroup(QStringLiteral("g"));
+    file.beginWriteArray(QStringLiteral("a"));
+    file.setArrayIndex(1);
+    file.setValue(QStringLiteral("x"), 1);
+    file.endArray();
+    QStringList seen = {file.group(), file.childGroups().join(QLatin1Char(','))};
+    seen << QString::number(file.beginReadArray(QStringLiteral("a")));
+    file.endArray();
+    file.endGroup();
+    file.setValue(QStringLiteral("k"), 2);
+    seen << file.childKeys().join(QLatin1Char(',')) << file.allKeys().join(QLatin1Char(','));
+    file.remove(QStringLiteral("k"));
+    seen << QString::number(file.contains(QStringLiteral("g/a/size")));
+    seen << QString::number(file.contains(QStringLiteral("k")));
+    file.clear();
+    file.sync();
+    return seen.join(QLatin1Char('|')) + file.allKeys().join(QLatin1Char(','));
+}
+
 // Opens the levels as APP, STATIC (for setProjectPath) and ARG (the constructor's) say, through a
 // copy of an assigned object whose first holder is gone, and looks K up in every way. Then the
 // system file under other roots, and the writers and removers.
@@ -70,6 +93,7 @@ int runLevels()
     BaseUsrSettings own("MyTool");
     report("own",
            own.fileName() + QLatin1Char(' ') + own.value(key, QStringLiteral("-")).toString());
+    report("forwarded", forwarded(own));
 
     // The system file follows TOOLRTF, and below a relative one the working directory: the
     // second "." is looked up from the install root.
@@ -128,7 +152,7 @@ void TestSettings::levels_data()
         << "$J=K=ten\n;$S=X=1\n => get=ten,<default>;typed=+true|+0|+[ten]|-false|-0|-[]";
     QTest::newRow("organisation-wide file is no level")
         << "$M/OstraneNG.ini=K=org\n;$S=X=1\n => get=<default>,<default>;"
-           "own=$M/OstraneNG/mytool.ini -";
+           "own=$M/OstraneNG/mytool.ini -;forwarded=g|a|2|k|g/a/2/x,g/a/size,k|1|0";
     QTest::newRow("group file") << "$G=K=group\n;$U=K=user\n => get=group,system;user=$G (group)";
     QTest::newRow("group file not made yet") << "SOLVANE_GROUP_SETTING_FILE=$G => user=$G (group)";
     QTest::newRow("group path is a directory")
@@ -185,6 +209,9 @@ void TestSettings::scopedFilesShareOneObject()
     target->setValue(QStringLiteral("through"), 2);
     target.reset();
     QCOMPARE(valuesOf(dir.filePath(QStringLiteral(".shared.ini"))), QStringLiteral("through=2"));
+
+    BasePrjSettings scratch(path.constData(), "scratch");
+    QCOMPARE(forwarded(scratch), QStringLiteral("g|a|2|k|g/a/2/x,g/a/size,k|1|0"));
 
     BasePrjSettings orphan(path.constData(), "orphan", parent.get());
     orphan.setValue(QStringLiteral("k"), 1);

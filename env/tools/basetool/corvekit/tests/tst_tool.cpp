@@ -96,6 +96,8 @@ void TestTool::run_data()
         "'activehdl','source':'setting'}…]}");
     row("filter netlist Netlists --project project/", 0,
         "extensions: vqm\nfilter:     Netlists (*.vqm)\n");
+    row("filter netlist --project project/ --json", 0,
+        "{'extensions':['vqm'],'filter':'netlist Files (*.vqm)','type':'netlist'}");
     failure("filter bitstream", 1, "'File_Extension/bitstream' is set at no level");
     failure("filter", 2, "missing argument; see --help");
 
