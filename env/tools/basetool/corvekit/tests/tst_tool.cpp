@@ -105,6 +105,7 @@ void TestTool::run_data()
         "{'key':'File_Extension/vhdl','level':'system','type':'list','value':['vhd','vhdl']}");
     failure("settings get K --project bad/", 3, "$T/bad/.setting.ini: malformed settings file");
     failure("settings get", 2, "missing argument; see --help");
+    failure("settings get K --type nope", 2, "unknown type 'nope'; see --help");
     row("settings set --user --type bool K TRUE", 0,
         "user\t$T/home/.config/Meravex/OstraneNG/.setting.ini\n== home/…\n[General]\n…K=true\n"
         "MESSAGE_LIMIT=2000\n");
