@@ -84,11 +84,13 @@ void TestTool::run_data()
     row("", 2, "", "Usage: corvekit <command> [options]\n…");
     failure("frobnicate", 2, "unknown command 'frobnicate'; see …");
     row("env --help", 0, "Usage: …");
+    row("settings -h", 0, "Usage: corvekit settings get KEY …");
     row("env --project project/", 0,
         "installRoot:   $T/installation\n…\n  project:     $T/project/.setting.ini\n…");
     row("version --group Solvane --pattern major-minor --json", 0,
         "{…'patch':'SP1','pattern':'major-minor','suffix':'Beta','version':'4.3',…}");
     failure("TOOLRTF=$T/project version", 1, "$T/project/data/zeksys.ini: no version file");
+    failure("version --bogus", 2, "Unknown option 'bogus'.");
     // An empty value on the project level hides the system's and sends the locator to folders.
     row("tools --project empty/ --json", 0,
         "{'defaults':false,'simulator':{…'name':'QuestaSim'},'synplify':{…},'tools':[…{'directory':"
@@ -121,6 +123,7 @@ void TestTool::run_data()
         "project\t$T/project/.setting.ini\n== project/.setting.ini\n[General]\n"
         "DEFAULT_DEVICE_FAMILY=Corvus-III\nTOP_MODULE=uart_bridge\n");
     failure("settings unset --user K", 1, "'K' is not set at the user level (…)");
+    failure("settings unset --user /", 3, "'/' is no settings key");
 
     row("label Edit_UGroup --json", 0, "{'key':'Edit_UGroup','text':'Edit UGROUP'}");
     failure("label SHOW", 1, "'SHOW' is no label key");
