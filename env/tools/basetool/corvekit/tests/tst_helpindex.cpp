@@ -174,6 +174,15 @@ private slots:
         QCOMPARE(file.reader.errorString(), message);
     }
 
+    void dialogAtAFault()
+    {
+        // The pass fails in the dialog it looks for: no answer now, the entry's from then on.
+        Index file(index("<tool name=\"Q\"><dialog name=\"D\"><tooltip name=\"a\">B</tooltip>"
+                         "<text>x<b/></text></dialog></tool>"));
+        QVERIFY(file.reader.getToolTipText("Q", "D", "a").isNull());
+        QCOMPARE(file.reader.getToolTipText("Q", "D", "a"), QStringLiteral("B"));
+    }
+
     void cacheOfOneEntry()
     {
         Index file(
