@@ -16,6 +16,7 @@ namespace {
 // Pin names are decided within their first bytes, which are read one at a time; the C library
 // scans the names that go on past them for their first digit.
 constexpr std::size_t shortStretch = 3;
+constexpr const char *digits = "0123456789";
 
 /*!
  * The length of the letter part of \a name: the index of its first digit, or of its zero byte if
@@ -27,7 +28,7 @@ inline std::size_t letterLength(const char *name, std::size_t from)
         if (name[from] == 0 || isDigit(name[from]))
             return from;
     }
-    return from + std::strcspn(name + from, "0123456789");
+    return from + std::strcspn(name + from, digits);
 }
 
 /*!
@@ -35,8 +36,8 @@ inline std::size_t letterLength(const char *name, std::size_t from)
  * end of its name; \a lettersA and \a lettersB are the letter parts' lengths. These decide, or
  * the numbers' absence.
  */
-int orderOfLetters(const char *a, const char *b, std::size_t i, std::size_t lettersA,
-                   std::size_t lettersB)
+inline int orderOfLetters(const char *a, const char *b, std::size_t i, std::size_t lettersA,
+                          std::size_t lettersB)
 {
     const bool hasA = a[lettersA] != 0;
     const bool hasB = b[lettersB] != 0;
@@ -61,8 +62,8 @@ int BasePublic::comparePinH(const char *a, const char *b)
         ++i;
     if (i == shortStretch) {
         // A long stretch, such as the path of two nets in one block.
-        const std::size_t lettersA = letterLength(a, i);
-        const std::size_t lettersB = letterLength(b, i);
+        const std::size_t lettersA = i + std::strcspn(a + i, digits);
+        const std::size_t lettersB = i + std::strcspn(b + i, digits);
         i += mismatch(a + i, b + i, (lettersA < lettersB ? lettersA : lettersB) - i);
         if (a[i] != b[i] && !isDigit(a[i]) && !isDigit(b[i]))
             return orderOfLetters(a, b, i, lettersA, lettersB);
