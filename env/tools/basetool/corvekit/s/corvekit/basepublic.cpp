@@ -12,6 +12,7 @@
 
 using basepublic_p::byteOrder;
 using basepublic_p::isDigit;
+using basepublic_p::mismatch;
 using basepublic_p::numberAt;
 using basepublic_p::wrappingDifference;
 
@@ -26,26 +27,6 @@ BasePublic &BasePublic::operator=(BasePublic &&) noexcept
 }
 
 namespace {
-
-/*!
- * The first index below \a count at which \a a and \a b differ, or \a count. Both names hold at
- * least \a count bytes before their zero byte, so whole words may be compared up to there.
- */
-std::size_t mismatch(const char *a, const char *b, std::size_t count)
-{
-    std::size_t i = 0;
-    for (; i + sizeof(std::uint64_t) <= count; i += sizeof(std::uint64_t)) {
-        std::uint64_t x = 0;
-        std::uint64_t y = 0;
-        std::memcpy(&x, a + i, sizeof x);
-        std::memcpy(&y, b + i, sizeof y);
-        if (x != y)
-            break;
-    }
-    while (i < count && a[i] == b[i])
-        ++i;
-    return i;
-}
 
 // The start of the digit run of \a name that reaches \a at, or \a at if there is none before it.
 std::size_t runStart(const char *name, std::size_t at)

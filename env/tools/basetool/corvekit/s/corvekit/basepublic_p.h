@@ -6,6 +6,7 @@
 // reads a byte past the zero byte of a name.
 
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 
 namespace basepublic_p {
@@ -13,6 +14,55 @@ namespace basepublic_p {
 inline bool isDigit(char c)
 {
     return static_cast<unsigned char>(c - '0') < 10;
+}
+
+// Names are compared a word at a time only over bytes known to lie before both zero bytes. A word
+// holds eight bytes with the first one lowest, whatever the machine's byte order; a flag is the
+// high bit of a byte.
+constexpr std::size_t wordSize = 8;
+constexpr std::uint64_t everyByte = ~std::uint64_t(0) / 0xFF;
+constexpr std::uint64_t highBits = everyByte * 0x80;
+
+inline std::uint64_t loadWord(const char *bytes)
+{
+    // Written out byte by byte, which compilers read as one load (with a swap where needed).
+    const auto byte = [bytes](int k) {
+        return std::uint64_t(static_cast<unsigned char>(bytes[k])) << (8 * k);
+    };
+    return byte(0) | byte(1) | byte(2) | byte(3) | byte(4) | byte(5) | byte(6) | byte(7);
+}
+
+// Flags the bytes in which \a x and \a y differ, all of them exactly: no carry crosses a byte.
+inline std::uint64_t differenceFlags(std::uint64_t x, std::uint64_t y)
+{
+    const std::uint64_t bits = x ^ y;
+    return (((bits & ~highBits) + ~highBits) | bits) & highBits;
+}
+
+// The index of the byte of the lowest flag in \a flags, which are not all clear.
+inline std::size_t firstFlagged(std::uint64_t flags)
+{
+    // The lowest flag alone is bit 8k + 7; the multiplication moves 7 - k of the bytes of the
+    // constant out, leaving k in the top byte.
+    const std::uint64_t lowest = flags & (~flags + 1);
+    return static_cast<std::size_t>(((lowest >> 7) * 0x0001020304050607) >> 56);
+}
+
+/*!
+ * The first index below \a count at which \a a and \a b differ, or \a count. Both hold at least
+ * \a count bytes before their zero byte.
+ */
+inline std::size_t mismatch(const char *a, const char *b, std::size_t count)
+{
+    std::size_t i = 0;
+    for (; i + wordSize <= count; i += wordSize) {
+        const std::uint64_t differ = differenceFlags(loadWord(a + i), loadWord(b + i));
+        if (differ != 0)
+            return i + firstFlagged(differ);
+    }
+    while (i < count && a[i] == b[i])
+        ++i;
+    return i;
 }
 
 // x - y as two's complement int arithmetic gives it, without the undefined overflow.
