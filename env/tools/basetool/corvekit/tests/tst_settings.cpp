@@ -211,6 +211,7 @@ void TestSettings::scopedFilesShareOneObject()
     QCOMPARE(valuesOf(dir.filePath(QStringLiteral(".shared.ini"))), QStringLiteral("through=2"));
 
     BasePrjSettings scratch(path.constData(), "scratch");
+    QCOMPARE(scratch.getSetting()->fileName(), dir.filePath(QStringLiteral(".scratch.ini")));
     QCOMPARE(forwarded(scratch), QStringLiteral("g|a|2|k|g/a/2/x,g/a/size,k|1|0"));
 
     BasePrjSettings orphan(path.constData(), "orphan", parent.get());
