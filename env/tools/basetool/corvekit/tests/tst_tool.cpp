@@ -81,9 +81,9 @@ void TestTool::run_data()
     QTest::addColumn<QByteArray>("output"); // then "== FILE" and the text of each file written
     QTest::addColumn<QByteArray>("error");
 
-    row("", 2, "", "Usage: corvekit <command> [options]\n…");
+    row("", 2, "", "Usage: corvekit <command> [options]\n…\nRun 'corvekit <command> --help' …");
     failure("frobnicate", 2, "unknown command 'frobnicate'; see …");
-    row("env --help", 0, "Usage: …");
+    row("filter --help", 0, "Usage: … TYPE [DESCRIPTION]\n…");
     row("settings -h", 0, "Usage: corvekit settings get KEY …");
     row("env --project project/", 0,
         "installRoot:   $T/installation\n…\n  project:     $T/project/.setting.ini\n…");
