@@ -2,9 +2,8 @@
 #include "toolio.h"
 
 #include <corvekit/commonlabelmapping.h>
-
 // The keys of the table, in the library's order of comparison.
-#include "commonlabelmapping_p.h"
+#include <labelmapping/commonlabelmapping_p.h>
 
 #include <QCommandLineParser>
 #include <QJsonArray>

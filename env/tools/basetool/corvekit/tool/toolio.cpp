@@ -1,6 +1,8 @@
 #include "toolio.h"
 
 #include <QCommandLineParser>
+#include <QDir>
+#include <QFileInfo>
 #include <QJsonDocument>
 
 #include <cstdio>
@@ -45,5 +47,34 @@ int parseArguments(QCommandLineParser &parser, const QStringList &arguments, int
     if (maxPositional >= 0 && count > maxPositional)
         return fail(ExitUsage, QStringLiteral("unexpected argument '%1'; see --help")
                                    .arg(parser.positionalArguments().at(maxPositional)));
+    return -1;
+}
+
+int checkInputFile(const QString &path)
+{
+    const QFileInfo info(path);
+    if (!info.exists())
+        return fail(ExitInvalidInput, QStringLiteral("%1: no such file").arg(path));
+    if (info.isDir())
+        return fail(ExitInvalidInput, QStringLiteral("%1: is a directory").arg(path));
+    if (!info.isFile())
+        return fail(ExitInvalidInput, QStringLiteral("%1: not a regular file").arg(path));
+    if (!info.isReadable())
+        return fail(ExitInvalidInput, QStringLiteral("%1: cannot read").arg(path));
+    return -1;
+}
+
+int projectDirectory(const QCommandLineParser &parser, const QCommandLineOption &option,
+                     QString &path)
+{
+    path.clear();
+    if (!parser.isSet(option))
+        return -1;
+    const QString given = parser.value(option);
+    if (given.isEmpty() || !QFileInfo(given).isDir())
+        return fail(ExitInvalidInput, QStringLiteral("%1: no such project directory").arg(given));
+    path = QDir::cleanPath(given) + QLatin1Char('/');
+    if (path == QLatin1String("//"))
+        path = QStringLiteral("/");
     return -1;
 }

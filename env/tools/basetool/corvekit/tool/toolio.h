@@ -5,6 +5,7 @@
 #include <QString>
 #include <QStringList>
 
+class QCommandLineOption;
 class QCommandLineParser;
 
 // Exit status of every subcommand, as `git config` has it.
@@ -30,5 +31,22 @@ int fail(ExitStatus status, const QString &message);
  */
 int parseArguments(QCommandLineParser &parser, const QStringList &arguments, int minPositional,
                    int maxPositional);
+
+/*!
+ * Checks that \a path names a regular file this process may read, before anything opens it: a
+ * FIFO with no writer would block the open forever. Returns -1 when the caller should go on, else
+ * ExitInvalidInput after reporting "PATH: no such file", "is a directory", "not a regular file"
+ * or "cannot read".
+ */
+int checkInputFile(const QString &path);
+
+/*!
+ * The project path behind \a option: empty when the option is not given, else the directory it
+ * names with exactly one trailing "/", as the library appends the project file's name to it.
+ * Returns -1 when the caller should go on, else ExitInvalidInput for a directory that does not
+ * exist (reported).
+ */
+int projectDirectory(const QCommandLineParser &parser, const QCommandLineOption &option,
+                     QString &path);
 
 #endif
