@@ -1,5 +1,6 @@
 #include "basesettings.h"
 
+#include "basesettings_p.h"
 #include "basesystem.h"
 
 #include <hulmar/ut_warning.h>
@@ -175,8 +176,8 @@ BaseSettings::BaseSettings(QString projectPath)
     m_levels->user = user;
 
     if (projectPath.isEmpty())
-        projectPath = m_prjPath.isEmpty() ? QStringLiteral("./") : m_prjPath;
-    m_levels->project = openFile(projectPath + settingFileName());
+        projectPath = m_prjPath;
+    m_levels->project = openFile(corvekit_private::projectSettingsFile(projectPath));
 
     m_system_setting = m_levels->system;
     m_user_setting = m_levels->user;
@@ -194,7 +195,8 @@ BaseSettings &BaseSettings::operator=(const BaseSettings &other) = default;
 
 QVariant BaseSettings::getSetting(const QString &key, const QVariant &defaultValue)
 {
-    // The most specific level that contains the key answers, even with an empty value.
+    // The most specific level that contains the key answers, even with an empty value. Keep
+    // this order and settingsLevels() the same.
     for (QSettings *level : {m_project_setting, m_user_setting, m_system_setting}) {
         if (level && level->contains(key))
             return level->value(key, defaultValue);
@@ -237,3 +239,48 @@ void BaseSettings::setProjectPath(QString projectPath)
 {
     m_prjPath = std::move(projectPath);
 }
+
+namespace corvekit_private {
+
+QList<SettingsLevel> settingsLevels(BaseSettings &settings)
+{
+    QString userScope = QStringLiteral("user");
+    if (settings.isUseGroupSettingFile())
+        userScope = QStringLiteral("group");
+    else if (QCoreApplication::applicationName() == siblingApplication())
+        userScope = QStringLiteral("sibling");
+    const auto level = [](const QString &scope, QSettings *file) {
+        return SettingsLevel{scope, QFileInfo(file->fileName()).absoluteFilePath(), file};
+    };
+    return {level(QStringLiteral("project"), settings.getProjectLeverSetting()),
+            level(userScope, settings.getUserSetting()),
+            level(QStringLiteral("system"), settings.getSystemSetting())};
+}
+
+QString systemSettingsFile()
+{
+    return systemFilePath();
+}
+
+QString projectSettingsFile(const QString &projectPath)
+{
+    return (projectPath.isEmpty() ? QStringLiteral("./") : projectPath) + settingFileName();
+}
+
+SettingsFileState settingsFileState(const QString &fileName, const QSettings *opened)
+{
+    const QFileInfo info(fileName);
+    if (!info.exists())
+        return SettingsFileState::Missing;
+    if (!info.isFile())
+        return SettingsFileState::NotRegularFile;
+    if (!info.isReadable())
+        return SettingsFileState::Unreadable;
+    if (opened && opened->status() == QSettings::FormatError)
+        return SettingsFileState::Malformed;
+    if (opened && opened->status() == QSettings::AccessError)
+        return SettingsFileState::Unreadable;
+    return SettingsFileState::Readable;
+}
+
+} // namespace corvekit_private
