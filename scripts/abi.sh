@@ -15,12 +15,14 @@ baseline=$source_dir/abi/$soname.abi
 
 # No build paths in the file: the same sources give the same baseline in any checkout.
 abidw_flags=(--no-corpus-path --no-comp-dir-path --no-show-locs --type-id-style hash)
+# The private interface for the tool is no part of the ABI.
+suppressions=(--suppressions "$source_dir/abi/private.suppr")
 
 case $mode in
 baseline)
     mkdir -p "$source_dir/abi"
-    rm -f "$source_dir"/abi/*.abi
-    abidw "${abidw_flags[@]}" --out-file "$baseline" "$library"
+    find "$source_dir/abi" -name '*.abi' -delete
+    abidw "${abidw_flags[@]}" "${suppressions[@]}" --out-file "$baseline" "$library"
     # Source file names relative to the checkout, which abidw keeps absolute.
     sed -i "s|path='$source_dir/|path='|" "$baseline"
     echo "ABI baseline written to ${baseline#"$source_dir"/}; commit it with the change."
@@ -32,7 +34,7 @@ check)
         exit 1
     fi
     status=0
-    abidiff --no-added-syms "$baseline" "$library" || status=$?
+    abidiff --no-added-syms "${suppressions[@]}" "$baseline" "$library" || status=$?
     if [ "$status" -ne 0 ]; then
         # abidiff's status is a bit set: 1 error, 2 usage, 4 a change, 8 an incompatible change.
         if [ $((status & 3)) -ne 0 ]; then
