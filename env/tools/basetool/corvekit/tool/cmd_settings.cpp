@@ -61,27 +61,33 @@ int parseValue(const QString &type, const QString &text, QVariant &value)
 
 // A stored value as text and as JSON, converted as the library's typed lookup of \a type
 // converts it. Untyped, JSON has it as a list of texts whatever the file holds.
-struct ShownValue
+bool isList(const QVariant &value)
 {
-    QString text;
-    QJsonValue json;
-};
+    return value.userType() == QMetaType::QStringList ||
+           value.userType() == QMetaType::QVariantList || !value.isValid();
+}
 
-ShownValue showValue(const QVariant &value, const QString &type)
+QString valueText(const QVariant &value, const QString &type)
 {
     if (type == QLatin1String("bool"))
-        return {value.toBool() ? QStringLiteral("true") : QStringLiteral("false"), value.toBool()};
+        return value.toBool() ? QStringLiteral("true") : QStringLiteral("false");
     if (type == QLatin1String("int"))
-        return {QString::number(value.toInt()), value.toInt()};
+        return QString::number(value.toInt());
+    if (type == QLatin1String("list") || (type.isEmpty() && isList(value)))
+        return value.toStringList().join(QStringLiteral(", "));
+    return value.toString();
+}
+
+QJsonValue valueJson(const QVariant &value, const QString &type)
+{
+    if (type == QLatin1String("bool"))
+        return value.toBool();
+    if (type == QLatin1String("int"))
+        return value.toInt();
     if (type == QLatin1String("string"))
-        return {value.toString(), value.toString()};
-    const bool isList = value.userType() == QMetaType::QStringList ||
-                        value.userType() == QMetaType::QVariantList || !value.isValid();
-    const QStringList list = isList ? value.toStringList() : QStringList{value.toString()};
-    const QJsonValue json = QJsonArray::fromStringList(list);
-    if (type == QLatin1String("list"))
-        return {list.join(QStringLiteral(", ")), json};
-    return {isList ? list.join(QStringLiteral(", ")) : value.toString(), json};
+        return value.toString();
+    return QJsonArray::fromStringList(isList(value) ? value.toStringList()
+                                                    : QStringList{value.toString()});
 }
 
 QJsonValue orNull(const QString &text)
@@ -203,22 +209,22 @@ int runGet(const QStringList &arguments)
     root.insert(QStringLiteral("type"), orNull(type));
     QJsonArray levelValues;
     for (int index : shown) {
-        const ShownValue value = showValue(levels[index].settings->value(key), type);
+        const QVariant value = levels[index].settings->value(key);
         if (index == answering)
-            root.insert(QStringLiteral("value"), value.json);
+            root.insert(QStringLiteral("value"), valueJson(value, type));
         levelValues.append(QJsonObject{{QStringLiteral("level"), levels[index].scope},
                                        {QStringLiteral("file"), levels[index].fileName},
-                                       {QStringLiteral("value"), value.json}});
+                                       {QStringLiteral("value"), valueJson(value, type)}});
         if (!parser.isSet(json))
             printLine(origin(levels[index], parser.isSet(showScope), parser.isSet(showOrigin)) +
-                      value.text);
+                      valueText(value, type));
     }
     if (answering < 0) {
         const bool answered = parser.isSet(defaultOption);
-        const ShownValue value = showValue(defaultValue, type);
-        root.insert(QStringLiteral("value"), answered ? value.json : QJsonValue());
+        root.insert(QStringLiteral("value"),
+                    answered ? valueJson(defaultValue, type) : QJsonValue());
         if (answered && !parser.isSet(json))
-            printLine(value.text);
+            printLine(valueText(defaultValue, type));
     }
     if (parser.isSet(all))
         root.insert(QStringLiteral("levels"), levelValues);
@@ -258,23 +264,25 @@ int runList(const QStringList &arguments)
         const SettingsLevel &level = levels[index];
         for (const QString &key : level.settings->allKeys()) {
             const bool winning = corvekit_private::answeringLevel(*settings, key) == index;
-            const ShownValue value = showValue(level.settings->value(key), QString());
-            entries.append(QJsonObject{{QStringLiteral("key"), key},
-                                       {QStringLiteral("level"), level.scope},
-                                       {QStringLiteral("file"), level.fileName},
-                                       {QStringLiteral("value"), value.json},
-                                       {QStringLiteral("winning"), winning}});
-            lines.append(QLatin1String(winning ? "* " : "  ") +
-                         origin(level, parser.isSet(showScope), parser.isSet(showOrigin)) + key +
-                         QLatin1Char('=') + value.text);
+            const QVariant value = level.settings->value(key);
+            if (parser.isSet(json))
+                entries.append(QJsonObject{{QStringLiteral("key"), key},
+                                           {QStringLiteral("level"), level.scope},
+                                           {QStringLiteral("file"), level.fileName},
+                                           {QStringLiteral("value"), valueJson(value, {})},
+                                           {QStringLiteral("winning"), winning}});
+            else
+                lines.append(QLatin1String(winning ? "* " : "  ") +
+                             origin(level, parser.isSet(showScope), parser.isSet(showOrigin)) +
+                             key + QLatin1Char('=') + valueText(value, {}));
         }
     }
+    const bool found = !entries.isEmpty() || !lines.isEmpty();
     if (parser.isSet(json))
-        printJson(
-            {{QStringLiteral("found"), !entries.isEmpty()}, {QStringLiteral("entries"), entries}});
-    else if (!lines.isEmpty())
+        printJson({{QStringLiteral("found"), found}, {QStringLiteral("entries"), entries}});
+    else if (found)
         printLine(lines.join(QLatin1Char('\n')));
-    if (entries.isEmpty())
+    if (!found)
         return fail(ExitNotFound, QStringLiteral("no level holds a key"));
     return ExitSuccess;
 }
@@ -374,7 +382,7 @@ int runSet(const QStringList &arguments)
     if (parser.isSet(json)) {
         QJsonObject root = writeReport(key, level);
         root.insert(QStringLiteral("type"), type);
-        root.insert(QStringLiteral("value"), showValue(result.value, type).json);
+        root.insert(QStringLiteral("value"), valueJson(result.value, type));
         printJson(root);
     } else {
         printLine(level.scope + QLatin1Char('\t') + level.fileName);
