@@ -359,7 +359,10 @@ QByteArray withoutKeys(const QByteArray &text, const std::function<bool(const QS
         bool emptied = false;
         bool keptKey = false;
         for (; next < lines.size() && !lines[next].isGroup; ++next) {
-            (removed(lines[next].key) ? emptied : keptKey) = true;
+            if (removed(lines[next].key))
+                emptied = true;
+            else
+                keptKey = true;
         }
         const qsizetype groupEnd = next < lines.size() ? lines[next].begin : text.size();
         if (!emptied || keptKey)
@@ -495,6 +498,10 @@ IniEditResult setIniValue(const QString &fileName, const QString &key, const QVa
 
 IniEditResult removeIniKey(const QString &fileName, const QString &key)
 {
+    // Nothing to take a lock for, nor a folder to make for it.
+    if (!QFileInfo::exists(fileName))
+        return failure(IniEditStatus::NotFound,
+                       QStringLiteral("%1: '%2' is not set in this file").arg(fileName, key));
     Scratch scratch;
     if (!scratch.isValid())
         return failure(IniEditStatus::CannotWrite,
