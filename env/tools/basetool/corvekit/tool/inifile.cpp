@@ -66,9 +66,8 @@ bool readLine(QByteArrayView data, qsizetype &pos, qsizetype &lineStart, qsizety
             if (!inQuotes && equalsPos == -1)
                 equalsPos = i - 1;
         } else if (isLineBreak(ch)) {
-            if (i == lineStart + 1) {
-                ++lineStart;
-            } else if (!inQuotes) {
+            // Never the line's first byte: blanks before it were skipped.
+            if (!inQuotes) {
                 --i;
                 break;
             }
