@@ -59,14 +59,15 @@ int parseValue(const QString &type, const QString &text, QVariant &value)
     return -1;
 }
 
-// A stored value as text and as JSON, converted as the library's typed lookup of \a type
-// converts it. Untyped, JSON has it as a list of texts whatever the file holds.
+// Whether QSettings read a list; an empty list reads as no value at all.
 bool isList(const QVariant &value)
 {
     return value.userType() == QMetaType::QStringList ||
            value.userType() == QMetaType::QVariantList || !value.isValid();
 }
 
+// A stored value as text and as JSON, converted as the library's typed lookup of \a type
+// converts it. Untyped, JSON has it as a list of texts whatever the file holds.
 QString valueText(const QVariant &value, const QString &type)
 {
     if (type == QLatin1String("bool"))
