@@ -172,12 +172,15 @@ void TestTool::run_data()
     row("settings get MESSAGE_LIMIT --all --show-scope --show-origin", 0,
         "user\t$T/home/.config/Meravex/OstraneNG/.setting.ini\t2000\n"
         "system\t$T/installation/data/.setting.ini\t500\n");
-    row("settings get MESSAGE_LIMIT --json", 0,
-        "{'file':'$T/home/.config/Meravex/OstraneNG/.setting.ini','found':true,"
-        "'key':'MESSAGE_LIMIT','level':'user','type':null,'value':['2000']}");
+    row("settings get TOP_MODULE --project project --json", 0,
+        "{'file':'$T/project/.setting.ini','found':true,'key':'TOP_MODULE','level':'project',"
+        "'type':null,'value':['uart_bridge']}");
     row("settings get NOPE --json", 1,
         "{'file':null,'found':false,'key':'NOPE','level':null,'type':null,'value':null}",
         "corvekit: 'NOPE' is set at no level\n");
+    row("settings get SYNPLIFY_USEOEM --type bool --json", 0,
+        "{'file':'$T/installation/data/.setting.ini','found':true,'key':'SYNPLIFY_USEOEM',"
+        "'level':'system','type':'bool','value':true}");
     row("settings get NOPE --default 7 --type int --json", 0,
         "{'file':null,'found':false,'key':'NOPE','level':null,'type':'int','value':7}");
     row("settings list --project project/ --show-scope", 0,
