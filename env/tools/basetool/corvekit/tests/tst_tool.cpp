@@ -165,11 +165,12 @@ void TestTool::run_data()
         "group\t$T/group.ini\n== group.ini\n[General]\nK=v\n",
         "corvekit: warning: group settings file $T/group.ini does not exist, …\n");
     failure("settings get K --project nope", 3, "nope: no such project directory");
+    failure("settings unset K", 2, "give either --user or --project DIR");
     row("settings unset --project project/ NOPE --json", 1,
         "{'file':'$T/project/.setting.ini','found':false,'key':'NOPE','level':'project',"
         "'removed':[]}",
         "corvekit: 'NOPE' is not set at the project level ($T/project/.setting.ini)\n");
-    row("settings get MESSAGE_LIMIT --all --show-scope --show-origin", 0,
+    row("settings get MESSAGE_LIMIT --all --show-scope --show-origin --type int", 0,
         "user\t$T/home/.config/Meravex/OstraneNG/.setting.ini\t2000\n"
         "system\t$T/installation/data/.setting.ini\t500\n");
     row("settings get TOP_MODULE --project project --json", 0,
