@@ -12,6 +12,7 @@
 #include <QFileInfo>
 #include <QSettings>
 
+#include <array>
 #include <cstdlib>
 #include <memory>
 
@@ -137,6 +138,25 @@ void warn(const QString &text)
     ut_warning(text.toLatin1().constData());
 }
 
+// The levels as getSetting asks them, most specific first; settingsLevels() lists them so too.
+using LookupOrder = std::array<QSettings *, 3>;
+
+LookupOrder lookupOrder(BaseSettings &settings)
+{
+    return {settings.getProjectLeverSetting(), settings.getUserSetting(),
+            settings.getSystemSetting()};
+}
+
+// The first of \a levels that contains \a key answers it, even with an empty value; -1 if none.
+int answeringIndex(const LookupOrder &levels, const QString &key)
+{
+    for (int index = 0; index < int(levels.size()); ++index) {
+        if (levels[index] && levels[index]->contains(key))
+            return index;
+    }
+    return -1;
+}
+
 } // namespace
 
 BaseSettings::BaseSettings()
@@ -195,12 +215,9 @@ BaseSettings &BaseSettings::operator=(const BaseSettings &other) = default;
 
 QVariant BaseSettings::getSetting(const QString &key, const QVariant &defaultValue)
 {
-    // The most specific level that contains the key answers, even with an empty value. Keep
-    // this order and settingsLevels() the same.
-    for (QSettings *level : {m_project_setting, m_user_setting, m_system_setting}) {
-        if (level && level->contains(key))
-            return level->value(key, defaultValue);
-    }
+    const LookupOrder levels = lookupOrder(*this);
+    if (const int answering = answeringIndex(levels, key); answering >= 0)
+        return levels[answering]->value(key, defaultValue);
     return defaultValue;
 }
 
@@ -249,12 +266,18 @@ QList<SettingsLevel> settingsLevels(BaseSettings &settings)
         userScope = QStringLiteral("group");
     else if (QCoreApplication::applicationName() == siblingApplication())
         userScope = QStringLiteral("sibling");
-    const auto level = [](const QString &scope, QSettings *file) {
-        return SettingsLevel{scope, QFileInfo(file->fileName()).absoluteFilePath(), file};
-    };
-    return {level(QStringLiteral("project"), settings.getProjectLeverSetting()),
-            level(userScope, settings.getUserSetting()),
-            level(QStringLiteral("system"), settings.getSystemSetting())};
+    const QString scopes[] = {QStringLiteral("project"), userScope, QStringLiteral("system")};
+    const LookupOrder levels = lookupOrder(settings);
+    QList<SettingsLevel> result;
+    for (std::size_t index = 0; index < levels.size(); ++index)
+        result.append({scopes[index], QFileInfo(levels[index]->fileName()).absoluteFilePath(),
+                       levels[index]});
+    return result;
+}
+
+int answeringLevel(BaseSettings &settings, const QString &key)
+{
+    return answeringIndex(lookupOrder(settings), key);
 }
 
 QString systemSettingsFile()
@@ -276,6 +299,10 @@ SettingsFileState settingsFileState(const QString &fileName, const QSettings *op
         return SettingsFileState::NotRegularFile;
     if (!info.isReadable())
         return SettingsFileState::Unreadable;
+    // QSettings parses a group of keys when it is first asked for; an error in a group nobody
+    // asked for shows only once every group is parsed.
+    if (opened)
+        opened->allKeys();
     if (opened && opened->status() == QSettings::FormatError)
         return SettingsFileState::Malformed;
     if (opened && opened->status() == QSettings::AccessError)

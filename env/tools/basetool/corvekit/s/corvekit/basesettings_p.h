@@ -22,7 +22,7 @@ enum class SettingsFileState
     Missing,        // no file yet: the level reads as empty
     Readable,       // read whole
     Unreadable,     // exists but this process may not read it
-    Malformed,      // QSettings stopped at a format error; keys after it are lost
+    Malformed,      // QSettings met a format error and skipped what it could not parse
     NotRegularFile, // a directory, FIFO, socket or device
 };
 
@@ -35,6 +35,9 @@ struct SettingsLevel
 
 //! The levels of \a settings in the order getSetting asks them, most specific first.
 CORVEKIT_EXPORT QList<SettingsLevel> settingsLevels(BaseSettings &settings);
+
+//! The index in settingsLevels() of the level that answers \a key, -1 when none holds it.
+CORVEKIT_EXPORT int answeringLevel(BaseSettings &settings, const QString &key);
 
 //! The installation's file of defaults, as a BaseSettings made now would open it.
 CORVEKIT_EXPORT QString systemSettingsFile();
