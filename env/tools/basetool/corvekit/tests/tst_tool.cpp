@@ -22,6 +22,10 @@ static const Files extras = {
     {"empty/.setting.ini", "[General]\nPRECISION_PATH=\n"},
     {"<", "net10\r\nnet9\r\n\xe9t\xe9\r\nnet1"},
     {"b.xml", "<helpIndex version=\"1.0\">\n<tool name=\"T\">\n<tooltip>a<b/></tooltip>"},
+    // An installation with little in it: no companion tools, folders or patch number.
+    {"bare/data/zeksys.ini", "[version]\nMajorVersion=1\n"},
+    {"bare/data/.setting.ini", "[General]\nSIMULATOR_TYPE=Questa\n"},
+    {"bare/docs/webhelp/eng/helpindex.xml", "<helpIndex version=\"1.0\">\n<tool"},
 };
 
 // Every file below \a root with its contents, by relative path.
@@ -85,7 +89,7 @@ void TestTool::run_data()
     failure("frobnicate", 2, "unknown command 'frobnicate'; see …");
     row("filter --help", 0, "Usage: … TYPE [DESCRIPTION]\n…");
     row("settings -h", 0, "Usage: corvekit settings get KEY …");
-    row("env --project project/", 0,
+    row("env --project project", 0,
         "installRoot:   $T/installation\n…\n  project:     $T/project/.setting.ini\n…");
     row("version --group Solvane --pattern major-minor --json", 0,
         "{…'patch':'SP1','pattern':'major-minor','suffix':'Beta','version':'4.3',…}");
@@ -93,13 +97,19 @@ void TestTool::run_data()
     failure("version --bogus", 2, "Unknown option 'bogus'.");
     // An empty value on the project level hides the system's and sends the locator to folders.
     row("tools --project empty/ --json", 0,
-        "{'defaults':false,'simulator':{…'name':'QuestaSim'},'synplify':{…},'tools':[…{'directory':"
-        "'/','key':'PRECISION_PATH','name':'precision','source':'unknown'},{…'level':'user','name':"
-        "'activehdl','source':'setting'}…]}");
+        "{'defaults':false,'project':'empty/','simulator':{'directory':'$T/installation/questasim/"
+        "win64','key':'QUESTASIM_PATH','knownType':true,'level':'system','name':'QuestaSim',"
+        "'settingsFile':'$T/installation/data/.setting.ini','tool':'questasim','type':'QuestaSim'},"
+        "'synplify':{…},'tools':[…{'candidates':['$T/installation/precision'],'directory':null,"
+        "'exists':false,'key':'PRECISION_PATH','level':'project','name':'precision','settingsFile':"
+        "'$T/empty/.setting.ini','source':'notFound'},{'candidates':[],'directory':'/home/demo/"
+        "tools/"
+        "active-hdl','exists':false,'key':'ACTIVEHDL_PATH','level':'user',…'source':'setting'}…]}");
     row("filter netlist Netlists --project project/", 0,
         "extensions: vqm\nfilter:     Netlists (*.vqm)\n");
     row("filter netlist --project project/ --json", 0,
-        "{'extensions':['vqm'],'filter':'netlist Files (*.vqm)','type':'netlist'}");
+        "{'extensions':['vqm'],'filter':'netlist Files (*.vqm)','found':true,'key':"
+        "'File_Extension/netlist','type':'netlist'}");
     failure("filter bitstream", 1, "'File_Extension/bitstream' is set at no level");
     failure("filter", 2, "missing argument; see --help");
 
@@ -150,6 +160,38 @@ void TestTool::run_data()
         "project\tCorvus-III\n",
         "1009993: \ncorvekit settings\n…\n1009993: settings       |…\n1009993:  open settings |…\n"
         "1009993:  look up       |…\n1009993:  print         |…\n1009993: -…");
+
+    row("tools", 0,
+        "synplify   $T/installation/synpbase (SYNPLIFY_PATH is set at no level; candidate folder; "
+        "exists)\nprecision  /opt/precision (setting PRECISION_PATH at system level, "
+        "$T/installation/"
+        "data/.setting.ini; missing)\n…esdk       not found (ESDK_PATH is set at no level; no "
+        "candidate folder)\nsimulator  QuestaSim, the tool questasim above (SIMULATOR_TYPE "
+        "\"QuestaSim\" at system level, $T/installation/data/.setting.ini; only the system level "
+        "counts)\n…");
+    // The user's Active-HDL folder does not count, and no folder below the root holds one.
+    row("tools --defaults --json", 0,
+        "{'defaults':true,'project':null,…{'candidates':['$T/installation/active-hdl'],'directory':"
+        "null,'exists':false,'key':'ACTIVEHDL_PATH','level':null,…'source':'notFound'}…}");
+    row("TOOLRTF=$T/bare version --json", 0,
+        "{…'found':true,'group':null,'patch':null,'pattern':'full','suffix':null,'version':'1..',"
+        "'versionFile':'$T/bare/data/zeksys.ini'}");
+    row("version --group Nope --json", 1,
+        "{'found':false,'group':'Nope','pattern':'full','versionFile':'$T/installation/data/"
+        "zeksys.ini'}");
+    row("filter bitstream --json", 1,
+        "{'extensions':[],'filter':null,'found':false,'key':'File_Extension/bitstream','type':"
+        "'bitstream'}");
+    row("filter netlist --project bad", 0, "extensions: edf edn\n…",
+        "corvekit: warning: project settings file $T/bad/.setting.ini is malformed, keys after the "
+        "error are skipped\n");
+    failure("filter a b c", 2, "unexpected argument 'c'; see --help");
+    failure("env x", 2, "unexpected argument 'x'; see --help");
+    row("SOLVANE_GROUP_SETTING_FILE=$T/team.ini env --json", 0,
+        "{…'settingsFiles':[{'file':'$T/.setting.ini','level':'project'},{'file':'$T/team.ini',"
+        "'level':'group'},{…'level':'system'}]}",
+        "corvekit: warning: group settings file $T/team.ini does not exist, the group level reads "
+        "as empty\n");
 }
 
 void TestTool::run()
