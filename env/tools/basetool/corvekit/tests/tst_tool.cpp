@@ -192,6 +192,27 @@ void TestTool::run_data()
         "'level':'group'},{…'level':'system'}]}",
         "corvekit: warning: group settings file $T/team.ini does not exist, the group level reads "
         "as empty\n");
+    row("doctor", 0,
+        "ok      install root       $T/installation\n…\nok      version file       $T/installation/"
+        "data/zeksys.ini: 2026.2.1.118, groups: Solvane, version\n…\nwarning tool precision     "
+        "/opt/precision, setting PRECISION_PATH at system level, does not exist\n               "
+        "            -> correct PRECISION_PATH in $T/installation/data/.setting.ini, or install "
+        "the "
+        "tool there\n…\nok      simulator          QuestaSim (SIMULATOR_TYPE \"QuestaSim\"), "
+        "$T/installation/questasim/win64\nok      help index         $T/installation/docs/webhelp/"
+        "eng/helpindex.xml\nerrors: 0, warnings: 3\n");
+    row("TOOLRTF=$T/bare doctor", 1,
+        "…warning binary folder      $T/bare/bin/nt64 does not exist\n…warning tool esdk          "
+        "not found, ESDK_PATH is set at no level or empty\n                           -> set "
+        "ESDK_PATH if the tool is installed\nwarning simulator          SIMULATOR_TYPE at the "
+        "system level is \"Questa\", no known type; QuestaSim is assumed\n…error   help index      "
+        "   $T/bare/docs/webhelp/eng/helpindex.xml:2:5: Premature end of document.\n…"
+        "errors: 1, warnings: 10\n");
+    row("TOOLRTF=$T/nowhere doctor --project project/ --json", 1,
+        "{'checks':[{'advice':'set TOOLRTF to the folder of the installation','detail':'$T/nowhere "
+        "does not exist','name':'install root','status':'error'},{…'name':'data folder','status':"
+        "'error'},…{…'name':'version file','status':'error'},{'advice':null,'detail':'$T/project/"
+        ".setting.ini reads','name':'project settings','status':'ok'},…],'errors':3,'warnings':…}");
 }
 
 void TestTool::run()
