@@ -146,15 +146,15 @@ ToolLocation locateCompanionTool(const CompanionTool &tool, bool useDefault)
     {
         BaseSettings settings{QString()};
         const QString key = QString::fromLatin1(tool.key);
-        configured =
-            useDefault ? settings.getDefaultStringSetting(key) : settings.getStringSetting(key);
-        // The level that answered: the first that holds the key, as the layered lookup asks
-        // them; with useDefault the system level alone.
-        QList<SettingsLevel> levels = settingsLevels(settings);
-        if (useDefault)
-            levels = {levels.constLast()};
-        for (const SettingsLevel &level : std::as_const(levels)) {
-            if (level.settings->contains(key)) {
+        // What getStringSetting (getDefaultStringSetting with useDefault) gives, in one walk that
+        // also names the level: the first level that holds the key answers, even with an empty
+        // value, in the order of the layered lookup; with useDefault the system level alone.
+        const QSettings *levels[] = {settings.getProjectLeverSetting(), settings.getUserSetting(),
+                                     settings.getSystemSetting()};
+        for (qsizetype index = useDefault ? 2 : 0; index < 3; ++index) {
+            if (levels[index]->contains(key)) {
+                configured = levels[index]->value(key).toString();
+                const SettingsLevel level = settingsLevels(settings).at(index);
                 location.scope = level.scope;
                 location.settingsFile = level.fileName;
                 break;
@@ -196,7 +196,7 @@ SimulatorSelection simulatorSelection()
     SimulatorSelection selection;
     BaseSettings settings{QString()};
     selection.type = settings.getDefaultStringSetting(QStringLiteral("SIMULATOR_TYPE"));
-    selection.settingsFile = settingsLevels(settings).constLast().fileName;
+    selection.settingsFile = settings.getSystemSetting()->fileName(); // absolute already
     for (const SimulatorType &known : simulatorTypes) {
         if (selection.type == QLatin1String(known.text)) {
             selection.known = true;
