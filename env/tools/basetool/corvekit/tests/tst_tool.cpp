@@ -26,6 +26,7 @@ static const Files extras = {
     {"bare/data/zeksys.ini", "[version]\nMajorVersion=1\n"},
     {"bare/data/.setting.ini", "[General]\nSIMULATOR_TYPE=Questa\n"},
     {"bare/docs/webhelp/eng/helpindex.xml", "<helpIndex version=\"1.0\">\n<tool"},
+    {"blockedroot/data/.setting.ini/keep", ""},
 };
 
 // Every file below \a root with its contents, by relative path.
@@ -176,6 +177,8 @@ void TestTool::run_data()
     row("TOOLRTF=$T/bare version --json", 0,
         "{…'found':true,'group':null,'patch':null,'pattern':'full','suffix':null,'version':'1..',"
         "'versionFile':'$T/bare/data/zeksys.ini'}");
+    failure("TOOLRTF=$T/blockedroot version", 3,
+            "$T/blockedroot/data/.setting.ini: settings file is not a regular file");
     row("version --group Nope --json", 1,
         "{'found':false,'group':'Nope','pattern':'full','versionFile':'$T/installation/data/"
         "zeksys.ini'}");

@@ -1,4 +1,5 @@
 #include "commands.h"
+#include "settingslevels.h"
 #include "startup.h"
 #include "toolio.h"
 
@@ -57,6 +58,9 @@ int runVersion(const QStringList &arguments)
     if (!chosen)
         return fail(ExitUsage, QStringLiteral("unknown pattern '%1'; see --help").arg(patternText));
 
+    // The start-up reads a setting through the working directory's project file.
+    if (int status = checkLevelFiles(QString()); status >= 0)
+        return status;
     BaseSystem::initializeSystem();
     const bool json = parser.isSet(jsonOption);
     const QString group = parser.value(groupOption);
