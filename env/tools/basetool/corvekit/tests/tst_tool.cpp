@@ -101,7 +101,8 @@ void TestTool::run_data()
         "{'defaults':false,'project':'empty/','simulator':{'directory':'$T/installation/questasim/"
         "win64','key':'QUESTASIM_PATH','knownType':true,'level':'system','name':'QuestaSim',"
         "'settingsFile':'$T/installation/data/.setting.ini','tool':'questasim','type':'QuestaSim'},"
-        "'synplify':{…},'tools':[…{'candidates':['$T/installation/precision'],'directory':null,"
+        "'synplify':{'useOEM':true,'usePro':false},'tools':[…{'candidates':['$T/installation/"
+        "precision'],'directory':null,"
         "'exists':false,'key':'PRECISION_PATH','level':'project','name':'precision','settingsFile':"
         "'$T/empty/.setting.ini','source':'notFound'},{'candidates':[],'directory':'/home/demo/"
         "tools/"
@@ -169,7 +170,7 @@ void TestTool::run_data()
         "data/.setting.ini; missing)\n…esdk       not found (ESDK_PATH is set at no level; no "
         "candidate folder)\nsimulator  QuestaSim, the tool questasim above (SIMULATOR_TYPE "
         "\"QuestaSim\" at system level, $T/installation/data/.setting.ini; only the system level "
-        "counts)\n…");
+        "counts)\nsynplify edition: OEM yes, Pro no\n");
     // The user's Active-HDL folder does not count, and no folder below the root holds one.
     row("tools --defaults --json", 0,
         "{'defaults':true,'project':null,…{'candidates':['$T/installation/active-hdl'],'directory':"
