@@ -27,6 +27,7 @@ static const Files extras = {
     {"bare/data/.setting.ini", "[General]\nSIMULATOR_TYPE=Questa\n"},
     {"bare/docs/webhelp/eng/helpindex.xml", "<helpIndex version=\"1.0\">\n<tool"},
     {"blockedroot/data/.setting.ini/keep", ""},
+    {"dirversion/data/zeksys.ini/keep", ""},
 };
 
 // Every file below \a root with its contents, by relative path.
@@ -180,6 +181,7 @@ void TestTool::run_data()
         "'versionFile':'$T/bare/data/zeksys.ini'}");
     failure("TOOLRTF=$T/blockedroot version", 3,
             "$T/blockedroot/data/.setting.ini: settings file is not a regular file");
+    failure("TOOLRTF=$T/dirversion version", 3, "$T/dirversion/data/zeksys.ini: is a directory");
     row("version --group Nope --json", 1,
         "{'found':false,'group':'Nope','pattern':'full','versionFile':'$T/installation/data/"
         "zeksys.ini'}");
