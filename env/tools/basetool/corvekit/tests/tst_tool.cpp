@@ -92,7 +92,8 @@ void TestTool::run_data()
     row("filter --help", 0, "Usage: … TYPE [DESCRIPTION]\n…");
     row("settings -h", 0, "Usage: corvekit settings get KEY …");
     row("env --project project", 0,
-        "installRoot:   $T/installation\n…\n  project:     $T/project/.setting.ini\n…");
+        "installRoot:   $T/installation\nTOOLRTF:       $T/installation\n…\nsettings files:\n"
+        "  project:     $T/project/.setting.ini\n…");
     row("version --group Solvane --pattern major-minor --json", 0,
         "{…'patch':'SP1','pattern':'major-minor','suffix':'Beta','version':'4.3',…}");
     failure("TOOLRTF=$T/project version", 1, "$T/project/data/zeksys.ini: no version file");
@@ -194,7 +195,9 @@ void TestTool::run_data()
     failure("filter a b c", 2, "unexpected argument 'c'; see --help");
     failure("env x", 2, "unexpected argument 'x'; see --help");
     row("SOLVANE_GROUP_SETTING_FILE=$T/team.ini env --json", 0,
-        "{…'settingsFiles':[{'file':'$T/.setting.ini','level':'project'},{'file':'$T/team.ini',"
+        "{'environment':{'FOUNDRY':'…','TOOLRTF':'$T/installation','ZEKPROG_PATH':'$T/installation/"
+        "zekprog'},…'settingsFiles':[{'file':'$T/.setting.ini','level':'project'},{'file':'$T/"
+        "team.ini',"
         "'level':'group'},{…'level':'system'}]}",
         "corvekit: warning: group settings file $T/team.ini does not exist, the group level reads "
         "as empty\n");
