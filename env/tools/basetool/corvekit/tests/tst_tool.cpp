@@ -23,6 +23,12 @@ static const Files extras = {
     {"empty/.setting.ini", "[General]\nPRECISION_PATH=\n"},
     {"<", "net10\r\nnet9\r\n\xe9t\xe9\r\nnet1"},
     {"b.xml", "<helpIndex version=\"1.0\">\n<tool name=\"T\">\n<tooltip>a<b/></tooltip>"},
+    // An installation with little in it: no companion tools, folders or patch number.
+    {"bare/data/zeksys.ini", "[version]\nMajorVersion=1\n"},
+    {"bare/data/.setting.ini", "[General]\nSIMULATOR_TYPE=Questa\n"},
+    {"bare/docs/webhelp/eng/helpindex.xml", "<helpIndex version=\"1.0\">\n<tool"},
+    {"blockedroot/data/.setting.ini/keep", ""},
+    {"dirversion/data/zeksys.ini/keep", ""},
 };
 
 // Every file below \a root with its contents, by relative path.
@@ -86,21 +92,29 @@ void TestTool::run_data()
     failure("frobnicate", 2, "unknown command 'frobnicate'; see …");
     row("filter --help", 0, "Usage: … TYPE [DESCRIPTION]\n…");
     row("settings -h", 0, "Usage: corvekit settings get KEY …");
-    row("env --project project/", 0,
-        "installRoot:   $T/installation\n…\n  project:     $T/project/.setting.ini\n…");
+    row("env --project project", 0,
+        "installRoot:   $T/installation\nTOOLRTF:       $T/installation\n…\nsettings files:\n"
+        "  project:     $T/project/.setting.ini\n…");
     row("version --group Solvane --pattern major-minor --json", 0,
         "{…'patch':'SP1','pattern':'major-minor','suffix':'Beta','version':'4.3',…}");
     failure("TOOLRTF=$T/project version", 1, "$T/project/data/zeksys.ini: no version file");
     failure("version --bogus", 2, "Unknown option 'bogus'.");
     // An empty value on the project level hides the system's and sends the locator to folders.
     row("tools --project empty/ --json", 0,
-        "{'defaults':false,'simulator':{…'name':'QuestaSim'},'synplify':{…},'tools':[…{'directory':"
-        "'/','key':'PRECISION_PATH','name':'precision','source':'unknown'},{…'level':'user','name':"
-        "'activehdl','source':'setting'}…]}");
+        "{'defaults':false,'project':'empty/','simulator':{'directory':'$T/installation/questasim/"
+        "win64','key':'QUESTASIM_PATH','knownType':true,'level':'system','name':'QuestaSim',"
+        "'settingsFile':'$T/installation/data/.setting.ini','tool':'questasim','type':'QuestaSim'},"
+        "'synplify':{'useOEM':true,'usePro':false},'tools':[…{'candidates':['$T/installation/"
+        "precision'],'directory':null,"
+        "'exists':false,'key':'PRECISION_PATH','level':'project','name':'precision','settingsFile':"
+        "'$T/empty/.setting.ini','source':'notFound'},{'candidates':[],'directory':'/home/demo/"
+        "tools/"
+        "active-hdl','exists':false,'key':'ACTIVEHDL_PATH','level':'user',…'source':'setting'}…]}");
     row("filter netlist Netlists --project project/", 0,
         "extensions: vqm\nfilter:     Netlists (*.vqm)\n");
     row("filter netlist --project project/ --json", 0,
-        "{'extensions':['vqm'],'filter':'netlist Files (*.vqm)','type':'netlist'}");
+        "{'extensions':['vqm'],'filter':'netlist Files (*.vqm)','found':true,'key':"
+        "'File_Extension/netlist','type':'netlist'}");
     failure("filter bitstream", 1, "'File_Extension/bitstream' is set at no level");
     failure("filter", 2, "missing argument; see --help");
 
@@ -191,6 +205,63 @@ void TestTool::run_data()
         "{'entries':[{'file':'$T/home/.config/Meravex/OstraneNG/.setting.ini',"
         "'key':'ACTIVEHDL_PATH','level':'user','value':['/home/demo/tools/active-hdl'],"
         "'winning':true},…],'found':true}");
+    row("tools", 0,
+        "synplify   $T/installation/synpbase (SYNPLIFY_PATH is set at no level; candidate folder; "
+        "exists)\nprecision  /opt/precision (setting PRECISION_PATH at system level, "
+        "$T/installation/"
+        "data/.setting.ini; missing)\n…esdk       not found (ESDK_PATH is set at no level; no "
+        "candidate folder)\nsimulator  QuestaSim, the tool questasim above (SIMULATOR_TYPE "
+        "\"QuestaSim\" at system level, $T/installation/data/.setting.ini; only the system level "
+        "counts)\nsynplify edition: OEM yes, Pro no\n");
+    // The user's Active-HDL folder does not count, and no folder below the root holds one.
+    row("tools --defaults --json", 0,
+        "{'defaults':true,'project':null,…{'candidates':['$T/installation/active-hdl'],'directory':"
+        "null,'exists':false,'key':'ACTIVEHDL_PATH','level':null,…'source':'notFound'}…}");
+    row("TOOLRTF=$T/bare version --json", 0,
+        "{…'found':true,'group':null,'patch':null,'pattern':'full','suffix':null,'version':'1..',"
+        "'versionFile':'$T/bare/data/zeksys.ini'}");
+    failure("TOOLRTF=$T/blockedroot version", 3,
+            "$T/blockedroot/data/.setting.ini: settings file is not a regular file");
+    failure("TOOLRTF=$T/dirversion version", 3, "$T/dirversion/data/zeksys.ini: is a directory");
+    row("version --group Nope --json", 1,
+        "{'found':false,'group':'Nope','pattern':'full','versionFile':'$T/installation/data/"
+        "zeksys.ini'}");
+    row("filter bitstream --json", 1,
+        "{'extensions':[],'filter':null,'found':false,'key':'File_Extension/bitstream','type':"
+        "'bitstream'}");
+    row("filter netlist --project bad", 0, "extensions: edf edn\n…",
+        "corvekit: warning: project settings file $T/bad/.setting.ini is malformed, keys after the "
+        "error are skipped\n");
+    failure("filter a b c", 2, "unexpected argument 'c'; see --help");
+    failure("env x", 2, "unexpected argument 'x'; see --help");
+    row("SOLVANE_GROUP_SETTING_FILE=$T/team.ini env --json", 0,
+        "{'environment':{'FOUNDRY':'…','TOOLRTF':'$T/installation','ZEKPROG_PATH':'$T/installation/"
+        "zekprog'},…'settingsFiles':[{'file':'$T/.setting.ini','level':'project'},{'file':'$T/"
+        "team.ini',"
+        "'level':'group'},{…'level':'system'}]}",
+        "corvekit: warning: group settings file $T/team.ini does not exist, the group level reads "
+        "as empty\n");
+    row("doctor", 0,
+        "ok      install root       $T/installation\n…\nok      version file       $T/installation/"
+        "data/zeksys.ini: 2026.2.1.118, groups: Solvane, version\n…\nwarning tool precision     "
+        "/opt/precision, setting PRECISION_PATH at system level, does not exist\n               "
+        "            -> correct PRECISION_PATH in $T/installation/data/.setting.ini, or install "
+        "the "
+        "tool there\n…\nok      simulator          QuestaSim (SIMULATOR_TYPE \"QuestaSim\"), "
+        "$T/installation/questasim/win64\nok      help index         $T/installation/docs/webhelp/"
+        "eng/helpindex.xml\nerrors: 0, warnings: 3\n");
+    row("TOOLRTF=$T/bare doctor", 1,
+        "…warning binary folder      $T/bare/bin/nt64 does not exist\n…warning tool esdk          "
+        "not found, ESDK_PATH is set at no level or empty\n                           -> set "
+        "ESDK_PATH if the tool is installed\nwarning simulator          SIMULATOR_TYPE at the "
+        "system level is \"Questa\", no known type; QuestaSim is assumed\n…error   help index      "
+        "   $T/bare/docs/webhelp/eng/helpindex.xml:2:5: Premature end of document.\n…"
+        "errors: 1, warnings: 10\n");
+    row("TOOLRTF=$T/nowhere doctor --project project/ --json", 1,
+        "{'checks':[{'advice':'set TOOLRTF to the folder of the installation','detail':'$T/nowhere "
+        "does not exist','name':'install root','status':'error'},{…'name':'data folder','status':"
+        "'error'},…{…'name':'version file','status':'error'},{'advice':null,'detail':'$T/project/"
+        ".setting.ini reads','name':'project settings','status':'ok'},…],'errors':3,'warnings':…}");
 }
 
 void TestTool::run()

@@ -1,13 +1,16 @@
 #include "commands.h"
+#include "settingslevels.h"
+#include "startup.h"
 #include "toolio.h"
 #include "toolprofiling.h"
 
 #include <corvekit/basesettings.h>
+#include <corvekit/basesettings_p.h>
 #include <corvekit/basesystem.h>
 
 #include <QCommandLineParser>
+#include <QJsonArray>
 #include <QJsonObject>
-#include <QSettings>
 
 #include <cstdlib>
 #include <optional>
@@ -37,23 +40,28 @@ int runEnv(const QStringList &arguments)
     QCommandLineParser parser;
     parser.setApplicationDescription(
         QStringLiteral("Sets up the environment as a suite tool does at start-up and shows how "
-                       "the installation resolves."));
-    const QCommandLineOption jsonOption(QStringLiteral("json"), QStringLiteral("Prints JSON."));
-    const QCommandLineOption projectOption(QStringLiteral("project"),
-                                           QStringLiteral("Project path behind the project level."),
-                                           QStringLiteral("path"));
+                       "the installation resolves: the install root, the variables, the fixed "
+                       "paths and the settings files of every level, most specific first."));
+    const QCommandLineOption jsonOption(
+        QStringLiteral("json"), QStringLiteral("Prints one JSON document instead of text."));
+    const QCommandLineOption projectOption(
+        QStringLiteral("project"),
+        QStringLiteral("Reads the project level from DIR/.setting.ini (DIR must exist)."),
+        QStringLiteral("DIR"));
     parser.addOptions({jsonOption, projectOption});
     if (int status = parseArguments(parser, arguments, 0, 0); status >= 0)
         return status;
 
     std::optional<ProfileStep> step(std::in_place, "initialize system");
-    BaseSystem::initializeSystem();
+    QString projectPath;
+    if (int status = startUp(parser, projectOption, projectPath); status >= 0)
+        return status;
     step.emplace("resolve installation");
-    BaseSettings settings(parser.value(projectOption));
+    BaseSettings settings;
+    warnSkippedLevels(settings);
 
     // Ordered pairs keep the text output in a reading order; JSON gets the same names.
     const QList<std::pair<QString, QJsonValue>> environment = {
-        {QStringLiteral("installRoot"), BaseSystem::getInstallPath().path()},
         {QStringLiteral("TOOLRTF"), environmentValue("TOOLRTF")},
         {QStringLiteral("FOUNDRY"), environmentValue("FOUNDRY")},
         {QStringLiteral("ZEKPROG_PATH"), environmentValue("ZEKPROG_PATH")},
@@ -66,28 +74,29 @@ int runEnv(const QStringList &arguments)
         {QStringLiteral("tclLibrary"), BaseSystem::getTclLibraryPath().path()},
         {QStringLiteral("tclScript"), BaseSystem::getTclScriptPath().path()},
     };
-    const QList<std::pair<QString, QJsonValue>> levels = {
-        {QStringLiteral("project"), settings.getProjectLeverSetting()->fileName()},
-        {QStringLiteral("user"), settings.getUserSetting()->fileName()},
-        {QStringLiteral("system"), settings.getSystemSetting()->fileName()},
-    };
+    QList<std::pair<QString, QJsonValue>> levels;
+    for (const corvekit_private::SettingsLevel &level : corvekit_private::settingsLevels(settings))
+        levels.append({level.scope, level.fileName});
     const bool groupFile = settings.isUseGroupSettingFile();
+    const QString installRoot = BaseSystem::getInstallPath().path();
     step.emplace("print");
 
     if (parser.isSet(jsonOption)) {
-        QJsonObject root;
+        QJsonObject environmentObject;
         for (const auto &[name, value] : environment)
-            root.insert(name, value);
+            environmentObject.insert(name, value);
         QJsonObject pathObject;
         for (const auto &[name, value] : paths)
             pathObject.insert(name, value);
-        root.insert(QStringLiteral("paths"), pathObject);
-        QJsonObject levelObject;
+        QJsonArray levelArray;
         for (const auto &[name, value] : levels)
-            levelObject.insert(name, value);
-        root.insert(QStringLiteral("settingsFiles"), levelObject);
-        root.insert(QStringLiteral("groupSettingFile"), groupFile);
-        printJson(root);
+            levelArray.append(
+                QJsonObject{{QStringLiteral("level"), name}, {QStringLiteral("file"), value}});
+        printJson({{QStringLiteral("installRoot"), installRoot},
+                   {QStringLiteral("environment"), environmentObject},
+                   {QStringLiteral("paths"), pathObject},
+                   {QStringLiteral("settingsFiles"), levelArray},
+                   {QStringLiteral("groupSettingFile"), groupFile}});
         return ExitSuccess;
     }
 
@@ -98,6 +107,7 @@ int runEnv(const QStringList &arguments)
                 prefix, (name + QLatin1Char(':')).leftJustified(14 - prefix.size()),
                 describe(value)));
     };
+    printSection({{QStringLiteral("installRoot"), installRoot}}, QString());
     printSection(environment, QString());
     printLine(QStringLiteral("paths:"));
     printSection(paths, QStringLiteral("  "));

@@ -1,8 +1,11 @@
 #include "commands.h"
+#include "settingslevels.h"
+#include "startup.h"
 #include "toolio.h"
 
 #include <corvekit/basesettings.h>
 #include <corvekit/basesystem.h>
+#include <corvekit/basesystem_p.h>
 
 #include <QCommandLineParser>
 #include <QJsonArray>
@@ -14,11 +17,12 @@ int runFilter(const QStringList &arguments)
     parser.setApplicationDescription(
         QStringLiteral("Prints the extensions of a file type (the setting File_Extension/TYPE) "
                        "and the name filter a file dialog gets for it."));
-    const QCommandLineOption jsonOption(QStringLiteral("json"), QStringLiteral("Prints JSON."));
+    const QCommandLineOption jsonOption(
+        QStringLiteral("json"), QStringLiteral("Prints one JSON document instead of text."));
     const QCommandLineOption projectOption(
         QStringLiteral("project"),
-        QStringLiteral("Project path; \".setting.ini\" is appended to it as it stands."),
-        QStringLiteral("path"));
+        QStringLiteral("Reads the project level from DIR/.setting.ini (DIR must exist)."),
+        QStringLiteral("DIR"));
     parser.addOptions({jsonOption, projectOption});
     parser.addPositionalArgument(QStringLiteral("TYPE"), QStringLiteral("The file type."));
     parser.addPositionalArgument(QStringLiteral("DESCRIPTION"),
@@ -27,31 +31,33 @@ int runFilter(const QStringList &arguments)
                                  QStringLiteral("[DESCRIPTION]"));
     if (int status = parseArguments(parser, arguments, 1, 2); status >= 0)
         return status;
+    QString projectPath;
+    if (int status = startUp(parser, projectOption, projectPath); status >= 0)
+        return status;
 
-    BaseSystem::initializeSystem();
-    BaseSettings::setProjectPath(parser.value(projectOption));
     const QStringList positional = parser.positionalArguments();
-    const QByteArray type = positional.at(0).toUtf8();
+    const QString &type = positional.at(0);
+    const QString key = corvekit_private::fileExtensionKey(type);
+    BaseSettings settings;
+    warnSkippedLevels(settings);
+    bool found = false;
+    const QList<QString> extensions = corvekit_private::fileExtensions(settings, type, found);
     const QByteArray description = positional.value(1).toUtf8();
-
-    const QList<QString> extensions = BaseSystem::getFileExtensions(type.constData());
-    if (extensions.isEmpty()) {
-        BaseSettings settings;
-        const QString key = QStringLiteral("File_Extension/%1").arg(positional.at(0));
-        if (settings.getSetting(key, QVariant()).isNull())
-            return fail(ExitNotFound, QStringLiteral("'%1' is set at no level").arg(key));
-    }
-    const QString filter = BaseSystem::getFileFilter(
-        type.constData(), positional.size() > 1 ? description.constData() : nullptr);
+    const QString filter =
+        found ? BaseSystem::getFileFilter(type.toUtf8().constData(),
+                                          positional.size() > 1 ? description.constData() : nullptr)
+              : QString();
 
     if (parser.isSet(jsonOption)) {
-        QJsonObject root;
-        root.insert(QStringLiteral("type"), positional.at(0));
-        root.insert(QStringLiteral("extensions"), QJsonArray::fromStringList(extensions));
-        root.insert(QStringLiteral("filter"), filter);
-        printJson(root);
-        return ExitSuccess;
+        printJson({{QStringLiteral("type"), type},
+                   {QStringLiteral("key"), key},
+                   {QStringLiteral("found"), found},
+                   {QStringLiteral("extensions"), QJsonArray::fromStringList(extensions)},
+                   {QStringLiteral("filter"), textOrNull(filter)}});
+        return found ? ExitSuccess : ExitNotFound;
     }
+    if (!found)
+        return fail(ExitNotFound, QStringLiteral("'%1' is set at no level").arg(key));
     printLine(QStringLiteral("extensions: %1").arg(extensions.join(QLatin1Char(' '))));
     printLine(QStringLiteral("filter:     %1").arg(filter));
     return ExitSuccess;

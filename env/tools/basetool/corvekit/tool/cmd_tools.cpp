@@ -1,55 +1,71 @@
 #include "commands.h"
+#include "settingslevels.h"
+#include "startup.h"
 #include "toolio.h"
 
 #include <corvekit/basesettings.h>
 #include <corvekit/basesystem.h>
+#include <corvekit/basesystem_p.h>
 
 #include <QCommandLineParser>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonObject>
-#include <QSettings>
+
+using corvekit_private::ToolLocation;
+using corvekit_private::ToolSource;
 
 namespace {
 
-struct Tool
+QString sourceName(ToolSource source)
 {
-    const char *name;
-    const char *key;
-    QDir (*locate)(bool);
-};
-
-const Tool tools[] = {{"synplify", "SYNPLIFY_PATH", BaseSystem::getSynplifyPath},
-                      {"precision", "PRECISION_PATH", BaseSystem::getPrecsionPath},
-                      {"activehdl", "ACTIVEHDL_PATH", BaseSystem::getActiveHDLPath},
-                      {"modelsim", "MODELSIM_PATH", BaseSystem::getModelSimPath},
-                      {"questasim", "QUESTASIM_PATH", BaseSystem::getQuestaSimPath},
-                      {"esdk", "ESDK_PATH", BaseSystem::getESDKPath}};
-
-// How a locator came to its answer: "setting" with the level whose non-empty value it took,
-// else "folder" for a folder below the install root, else "unknown".
-std::pair<QString, QString> source(const QString &key, const QDir &directory, bool useDefault)
-{
-    BaseSettings settings;
-    if (useDefault) {
-        if (!settings.getDefaultStringSetting(key).isEmpty())
-            return {QStringLiteral("setting"), QStringLiteral("system")};
-    } else {
-        const std::pair<const char *, QSettings *> levels[] = {
-            {"project", settings.getProjectLeverSetting()},
-            {"user", settings.getUserSetting()},
-            {"system", settings.getSystemSetting()}};
-        for (const auto &[name, level] : levels) {
-            if (!level->contains(key))
-                continue;
-            // An empty value stops the lookup and sends the locator to the folders.
-            if (!level->value(key).toString().isEmpty())
-                return {QStringLiteral("setting"), QLatin1String(name)};
-            break;
-        }
+    switch (source) {
+    case ToolSource::Setting:
+        return QStringLiteral("setting");
+    case ToolSource::Folder:
+        return QStringLiteral("folder");
+    case ToolSource::NotFound:
+        break;
     }
-    if (directory == QDir::root())
-        return {QStringLiteral("unknown"), QString()};
-    return {QStringLiteral("folder"), QString()};
+    return QStringLiteral("notFound");
+}
+
+QJsonObject toolEntry(const corvekit_private::CompanionTool &tool, const ToolLocation &location)
+{
+    const bool found = location.source != ToolSource::NotFound;
+    const QString directory = found ? location.directory.path() : QString();
+    return {{QStringLiteral("name"), QLatin1String(tool.name)},
+            {QStringLiteral("key"), QLatin1String(tool.key)},
+            {QStringLiteral("directory"), textOrNull(directory)},
+            {QStringLiteral("exists"), found && QFileInfo(directory).isDir()},
+            {QStringLiteral("source"), sourceName(location.source)},
+            {QStringLiteral("level"), textOrNull(location.scope)},
+            {QStringLiteral("settingsFile"), textOrNull(location.settingsFile)},
+            {QStringLiteral("candidates"), QJsonArray::fromStringList(location.tried)}};
+}
+
+// Why a locator answered as it did, for the text output.
+QString reason(const QJsonObject &entry)
+{
+    const QString key = entry.value(QStringLiteral("key")).toString();
+    const QString level = entry.value(QStringLiteral("level")).toString();
+    const QString file = entry.value(QStringLiteral("settingsFile")).toString();
+    const QString source = entry.value(QStringLiteral("source")).toString();
+    const QStringList tried = entry.value(QStringLiteral("candidates")).toVariant().toStringList();
+    if (source == QLatin1String("setting"))
+        return QStringLiteral("setting %1 at %2 level, %3; %4")
+            .arg(key, level, file,
+                 entry.value(QStringLiteral("exists")).toBool() ? QStringLiteral("exists")
+                                                                : QStringLiteral("missing"));
+    const QString setting =
+        level.isEmpty() ? QStringLiteral("%1 is set at no level").arg(key)
+                        : QStringLiteral("%1 is empty at %2 level, %3").arg(key, level, file);
+    if (source == QLatin1String("folder"))
+        return QStringLiteral("%1; candidate folder; exists").arg(setting);
+    if (tried.isEmpty())
+        return QStringLiteral("%1; no candidate folder").arg(setting);
+    return QStringLiteral("%1; no candidate folder exists: %2")
+        .arg(setting, tried.join(QStringLiteral(", ")));
 }
 
 QString yesNo(bool value)
@@ -62,68 +78,83 @@ QString yesNo(bool value)
 int runTools(const QStringList &arguments)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(
-        QStringLiteral("Shows where each companion tool lies and how that was found, the "
-                       "selected simulator and the Synplify edition switches."));
-    const QCommandLineOption jsonOption(QStringLiteral("json"), QStringLiteral("Prints JSON."));
+    parser.setApplicationDescription(QStringLiteral(
+        "Shows where each companion tool lies, why (the setting and level that named it, or the "
+        "candidate folder below the install root) and whether its folder exists; the selected "
+        "simulator, which only the installation's SIMULATOR_TYPE chooses; and the Synplify "
+        "edition switches."));
+    const QCommandLineOption jsonOption(
+        QStringLiteral("json"), QStringLiteral("Prints one JSON document instead of text."));
     const QCommandLineOption defaultsOption(
         QStringLiteral("defaults"),
-        QStringLiteral("Asks the installation's settings alone, as with useDefault."));
+        QStringLiteral("Asks the system level alone, as the locators do with useDefault, so "
+                       "that user and project settings do not count."));
     const QCommandLineOption projectOption(
         QStringLiteral("project"),
-        QStringLiteral("Project path; \".setting.ini\" is appended to it as it stands."),
-        QStringLiteral("path"));
+        QStringLiteral("Reads the project level from DIR/.setting.ini (DIR must exist)."),
+        QStringLiteral("DIR"));
     parser.addOptions({jsonOption, defaultsOption, projectOption});
     if (int status = parseArguments(parser, arguments, 0, 0); status >= 0)
         return status;
-
-    BaseSystem::initializeSystem();
-    BaseSettings::setProjectPath(parser.value(projectOption));
+    QString projectPath;
+    if (int status = startUp(parser, projectOption, projectPath); status >= 0)
+        return status;
+    {
+        BaseSettings settings;
+        warnSkippedLevels(settings);
+    }
     const bool useDefault = parser.isSet(defaultsOption);
 
     QJsonArray toolArray;
-    for (const Tool &tool : tools) {
-        const QDir directory = tool.locate(useDefault);
-        QJsonObject entry;
-        entry.insert(QStringLiteral("name"), QLatin1String(tool.name));
-        entry.insert(QStringLiteral("key"), QLatin1String(tool.key));
-        entry.insert(QStringLiteral("directory"), directory.path());
-        const auto [how, level] = source(QLatin1String(tool.key), directory, useDefault);
-        entry.insert(QStringLiteral("source"), how);
-        if (!level.isEmpty())
-            entry.insert(QStringLiteral("level"), level);
+    const QString simulatorKey = QLatin1String(BaseSystem::getSimulatorInstallEnv());
+    QJsonObject simulatorTool;
+    for (const auto &tool : corvekit_private::companionTools()) {
+        const QJsonObject entry =
+            toolEntry(tool, corvekit_private::locateCompanionTool(tool, useDefault));
+        if (simulatorKey == QLatin1String(tool.key))
+            simulatorTool = entry;
         toolArray.append(entry);
     }
-    QJsonObject simulator;
-    simulator.insert(QStringLiteral("name"), BaseSystem::getSimulatorName());
-    simulator.insert(QStringLiteral("key"), QLatin1String(BaseSystem::getSimulatorInstallEnv()));
-    simulator.insert(QStringLiteral("directory"), BaseSystem::getSimulatorPath(useDefault).path());
-    QJsonObject synplify;
-    synplify.insert(QStringLiteral("useOEM"), BaseSystem::getUseSynplifyOEM(useDefault));
-    synplify.insert(QStringLiteral("usePro"), BaseSystem::getUseSynplifyPro(useDefault));
+    const corvekit_private::SimulatorSelection selection = corvekit_private::simulatorSelection();
+    const bool typeSet = !selection.type.isNull();
+    const QJsonObject simulator = {
+        {QStringLiteral("name"), BaseSystem::getSimulatorName()},
+        {QStringLiteral("type"), typeSet ? QJsonValue(selection.type) : QJsonValue()},
+        {QStringLiteral("knownType"), selection.known},
+        {QStringLiteral("level"), typeSet ? QJsonValue(QStringLiteral("system")) : QJsonValue()},
+        {QStringLiteral("settingsFile"),
+         typeSet ? QJsonValue(selection.settingsFile) : QJsonValue()},
+        {QStringLiteral("key"), simulatorKey},
+        {QStringLiteral("tool"), simulatorTool.value(QStringLiteral("name"))},
+        {QStringLiteral("directory"), simulatorTool.value(QStringLiteral("directory"))}};
+    const QJsonObject synplify = {
+        {QStringLiteral("useOEM"), BaseSystem::getUseSynplifyOEM(useDefault)},
+        {QStringLiteral("usePro"), BaseSystem::getUseSynplifyPro(useDefault)}};
 
     if (parser.isSet(jsonOption)) {
-        QJsonObject root;
-        root.insert(QStringLiteral("defaults"), useDefault);
-        root.insert(QStringLiteral("tools"), toolArray);
-        root.insert(QStringLiteral("simulator"), simulator);
-        root.insert(QStringLiteral("synplify"), synplify);
-        printJson(root);
+        printJson({{QStringLiteral("defaults"), useDefault},
+                   {QStringLiteral("project"), textOrNull(projectPath)},
+                   {QStringLiteral("tools"), toolArray},
+                   {QStringLiteral("simulator"), simulator},
+                   {QStringLiteral("synplify"), synplify}});
         return ExitSuccess;
     }
     for (const auto &value : std::as_const(toolArray)) {
         const QJsonObject entry = value.toObject();
-        const QString how = entry.value(QStringLiteral("source")).toString();
-        const QString level = entry.value(QStringLiteral("level")).toString();
+        const QJsonValue directory = entry.value(QStringLiteral("directory"));
         printLine(QStringLiteral("%1 %2 (%3)")
                       .arg(entry.value(QStringLiteral("name")).toString().leftJustified(10),
-                           entry.value(QStringLiteral("directory")).toString(),
-                           level.isEmpty() ? how : level + QLatin1Char(' ') + how));
+                           directory.isNull() ? QStringLiteral("not found") : directory.toString(),
+                           reason(entry)));
     }
-    printLine(QStringLiteral("simulator: %1 (%2) %3")
+    QString type = QStringLiteral("SIMULATOR_TYPE is not set at the system level");
+    if (typeSet)
+        type = QStringLiteral("SIMULATOR_TYPE \"%1\" at system level, %2%3")
+                   .arg(selection.type, selection.settingsFile,
+                        selection.known ? QString() : QStringLiteral(", not a known type"));
+    printLine(QStringLiteral("simulator  %1, the tool %2 above (%3; only the system level counts)")
                   .arg(simulator.value(QStringLiteral("name")).toString(),
-                       simulator.value(QStringLiteral("key")).toString(),
-                       simulator.value(QStringLiteral("directory")).toString()));
+                       simulator.value(QStringLiteral("tool")).toString(), type));
     printLine(QStringLiteral("synplify edition: OEM %1, Pro %2")
                   .arg(yesNo(synplify.value(QStringLiteral("useOEM")).toBool()),
                        yesNo(synplify.value(QStringLiteral("usePro")).toBool())));

@@ -1,7 +1,11 @@
 #include "commands.h"
+#include "settingslevels.h"
+#include "startup.h"
 #include "toolio.h"
 
+#include <corvekit/basesettings_p.h>
 #include <corvekit/basesystem.h>
+#include <corvekit/basesystem_p.h>
 
 #include <QCommandLineParser>
 #include <QFileInfo>
@@ -29,15 +33,18 @@ int runVersion(const QStringList &arguments)
     parser.setApplicationDescription(
         QStringLiteral("Prints the installed product version (data/zeksys.ini below the install "
                        "root), its patch number and suffix, and when the library was built."));
-    const QCommandLineOption jsonOption(QStringLiteral("json"), QStringLiteral("Prints JSON."));
+    const QCommandLineOption jsonOption(
+        QStringLiteral("json"), QStringLiteral("Prints one JSON document instead of text."));
     const QCommandLineOption groupOption(
         QStringLiteral("group"),
-        QStringLiteral("Product group to read the version from, if the file has it (any case)."),
-        QStringLiteral("name"));
+        QStringLiteral("Reads the version of the product group NAME (any case); a group the "
+                       "version file lacks is exit status 1."),
+        QStringLiteral("NAME"));
     const QCommandLineOption patternOption(
         QStringLiteral("pattern"),
-        QStringLiteral("major, major-minor, major-minor-all, build or full (the default)."),
-        QStringLiteral("pattern"), QStringLiteral("full"));
+        QStringLiteral("Chooses the form of the version: major, major-minor, major-minor-all, "
+                       "build or full (the default)."),
+        QStringLiteral("PATTERN"), QStringLiteral("full"));
     parser.addOptions({jsonOption, groupOption, patternOption});
     if (int status = parseArguments(parser, arguments, 0, 0); status >= 0)
         return status;
@@ -51,29 +58,49 @@ int runVersion(const QStringList &arguments)
     if (!chosen)
         return fail(ExitUsage, QStringLiteral("unknown pattern '%1'; see --help").arg(patternText));
 
+    // The start-up reads a setting through the working directory's project file.
+    if (int status = checkLevelFiles(QString()); status >= 0)
+        return status;
     BaseSystem::initializeSystem();
-    // The library answers "0.0.0" for a missing file; say which file is missing instead.
-    const QString versionFile = BaseSystem::getDataPath().filePath(QStringLiteral("zeksys.ini"));
-    if (!QFileInfo(versionFile).exists())
-        return fail(ExitNotFound, QStringLiteral("%1: no version file").arg(versionFile));
-
+    const bool json = parser.isSet(jsonOption);
     const QString group = parser.value(groupOption);
+    const QString versionFile = corvekit_private::versionFilePath();
+    QJsonObject root{{QStringLiteral("versionFile"), versionFile},
+                     {QStringLiteral("group"), textOrNull(group)},
+                     {QStringLiteral("pattern"), QLatin1String(chosen->name)}};
+    // The library answers "0.0.0" for a missing file and the top level for a missing group; say
+    // which is missing instead.
+    QString miss;
+    if (!QFileInfo::exists(versionFile))
+        miss = QStringLiteral("%1: no version file").arg(versionFile);
+    else if (int status = checkInputFile(versionFile); status >= 0)
+        return status;
+    else if (iniFileState(versionFile) == corvekit_private::SettingsFileState::Malformed)
+        return fail(ExitInvalidInput,
+                    QStringLiteral("%1: malformed version file").arg(versionFile));
+    else if (!group.isEmpty() && !corvekit_private::versionFileHasGroup(group))
+        miss = QStringLiteral("%1: no product group '%2'").arg(versionFile, group);
+    if (!miss.isEmpty()) {
+        if (!json)
+            return fail(ExitNotFound, miss);
+        root.insert(QStringLiteral("found"), false);
+        printJson(root);
+        return ExitNotFound;
+    }
+
     const QString version = BaseSystem::getProductVersion(group, chosen->pattern);
     const QString patch = BaseSystem::getOstranePatchVersion();
     const QString suffix = BaseSystem::getProductSuffix();
     const QString buildDate = BaseSystem::getCompilationDate().toString(Qt::ISODate);
     const QString buildTime = BaseSystem::getCompilationTime().toString(Qt::ISODate);
 
-    if (parser.isSet(jsonOption)) {
-        QJsonObject root;
-        root.insert(QStringLiteral("versionFile"), versionFile);
-        root.insert(QStringLiteral("group"), group);
-        root.insert(QStringLiteral("pattern"), QLatin1String(chosen->name));
+    if (json) {
+        root.insert(QStringLiteral("found"), true);
         root.insert(QStringLiteral("version"), version);
-        root.insert(QStringLiteral("patch"), patch);
-        root.insert(QStringLiteral("suffix"), suffix);
-        root.insert(QStringLiteral("buildDate"), buildDate);
-        root.insert(QStringLiteral("buildTime"), buildTime);
+        root.insert(QStringLiteral("patch"), textOrNull(patch));
+        root.insert(QStringLiteral("suffix"), textOrNull(suffix));
+        root.insert(QStringLiteral("buildDate"), textOrNull(buildDate));
+        root.insert(QStringLiteral("buildTime"), textOrNull(buildTime));
         printJson(root);
         return ExitSuccess;
     }

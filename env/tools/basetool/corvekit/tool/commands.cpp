@@ -8,6 +8,7 @@ const QList<Command> &commands()
         {"version", "the installed product version and the library's build stamp", runVersion},
         {"tools", "where the companion tools lie and which simulator is selected", runTools},
         {"filter", "the extensions and the file dialog filter of a file type", runFilter},
+        {"doctor", "check an installation whole and say what to repair", runDoctor},
         {"label", "the text shown for a label key, or the whole label table", runLabel},
         {"sort", "sort names or pins in a name or pin order", runSort},
         {"wildcard", "translate a wildcard pattern and match names with it", runWildcard},

@@ -24,6 +24,7 @@ int runLabel(const QStringList &arguments);
 int runVersion(const QStringList &arguments);
 int runTools(const QStringList &arguments);
 int runFilter(const QStringList &arguments);
+int runDoctor(const QStringList &arguments);
 
 // Name and pin ordering and wildcard patterns.
 int runSort(const QStringList &arguments);

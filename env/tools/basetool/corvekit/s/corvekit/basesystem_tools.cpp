@@ -1,49 +1,46 @@
 #include "basesystem.h"
 
 #include "basesettings.h"
+#include "basesettings_p.h"
+#include "basesystem_p.h"
 
 #include <QDebug>
+#include <QSettings>
 
 #include <cstdlib>
-#include <initializer_list>
+#include <utility>
 
 // Where the companion tools lie, which simulator is selected and which Synplify edition is
 // wanted. Every answer is read afresh from the settings and the disk.
 
 namespace {
 
-// The tool's folder from its settings key; else the first of \a candidates below TOOLRTF that
-// exists. \a candidates empty means the tool has no place of its own below the install root.
-QDir locate(const char *key, bool useDefault, std::initializer_list<const char *> candidates)
+// Where BaseSystem's locators and companionTools() find each tool; keep the two in one order.
+enum ToolIndex
 {
-    QString configured;
-    {
-        BaseSettings settings{QString()};
-        const QString name = QString::fromLatin1(key);
-        configured =
-            useDefault ? settings.getDefaultStringSetting(name) : settings.getStringSetting(name);
-    }
-    // A configured folder is taken as it stands, even if it does not exist.
-    if (!configured.isEmpty())
-        return QDir(configured);
-    if (candidates.size() == 0)
-        return QDir::root();
+    Synplify,
+    Precision,
+    ActiveHDL,
+    ModelSim,
+    QuestaSim,
+    ESDK,
+};
 
-    const char *root = std::getenv("TOOLRTF");
-    if (!root) {
-        qDebug() << "Error : set ."
-                 << "TOOLRTF"
-                 << "first.";
-        return QDir::root();
-    }
-    const QString rootPath(root);
-    for (const char *candidate : candidates) {
-        QDir folder(rootPath + QLatin1String(candidate));
-        if (folder.exists())
-            return folder;
-    }
-    return QDir::root();
+QDir locate(ToolIndex index, bool useDefault)
+{
+    return corvekit_private::locateCompanionTool(corvekit_private::companionTools().at(index),
+                                                 useDefault)
+        .directory;
 }
+
+// The texts of SIMULATOR_TYPE that the selection knows, and their codes; any other gives 4.
+struct SimulatorType
+{
+    const char *text;
+    int code;
+};
+
+const SimulatorType simulatorTypes[] = {{"ModelSim", 2}, {"QuestaSim", 2}, {"QuestaSimQrun", 4}};
 
 // An edition switch: its value where the chosen levels hold it, else on.
 bool editionSwitch(const char *key, bool useDefault)
@@ -66,32 +63,32 @@ bool isQuestaFamily(int code)
 
 QDir BaseSystem::getSynplifyPath(bool useDefault)
 {
-    return locate("SYNPLIFY_PATH", useDefault, {"/synpbase", "/tptools/synplify/windows"});
+    return locate(Synplify, useDefault);
 }
 
 QDir BaseSystem::getPrecsionPath(bool useDefault)
 {
-    return locate("PRECISION_PATH", useDefault, {"/precision"});
+    return locate(Precision, useDefault);
 }
 
 QDir BaseSystem::getActiveHDLPath(bool useDefault)
 {
-    return locate("ACTIVEHDL_PATH", useDefault, {"/active-hdl"});
+    return locate(ActiveHDL, useDefault);
 }
 
 QDir BaseSystem::getModelSimPath(bool useDefault)
 {
-    return locate("MODELSIM_PATH", useDefault, {"/modeltech/win32loem"});
+    return locate(ModelSim, useDefault);
 }
 
 QDir BaseSystem::getQuestaSimPath(bool useDefault)
 {
-    return locate("QUESTASIM_PATH", useDefault, {"/questasim/win64"});
+    return locate(QuestaSim, useDefault);
 }
 
 QDir BaseSystem::getESDKPath(bool useDefault)
 {
-    return locate("ESDK_PATH", useDefault, {});
+    return locate(ESDK, useDefault);
 }
 
 QDir BaseSystem::getSimulatorPath(bool useDefault)
@@ -113,12 +110,7 @@ const char *BaseSystem::getSimulatorInstallEnv()
 
 int BaseSystem::getSystemSimulatorType()
 {
-    // The installation decides; a user or project value has no say.
-    BaseSettings settings{QString()};
-    const QString type = settings.getDefaultStringSetting(QStringLiteral("SIMULATOR_TYPE"));
-    if (type == QLatin1String("ModelSim") || type == QLatin1String("QuestaSim"))
-        return 2;
-    return 4;
+    return corvekit_private::simulatorSelection().code;
 }
 
 bool BaseSystem::getUseSynplifyOEM(bool useDefault)
@@ -130,3 +122,88 @@ bool BaseSystem::getUseSynplifyPro(bool useDefault)
 {
     return editionSwitch("SYNPLIFY_USEPRO", useDefault);
 }
+
+namespace corvekit_private {
+
+const QList<CompanionTool> &companionTools()
+{
+    static const QList<CompanionTool> tools = {
+        {"synplify", "SYNPLIFY_PATH", {"/synpbase", "/tptools/synplify/windows"}},
+        {"precision", "PRECISION_PATH", {"/precision"}},
+        {"activehdl", "ACTIVEHDL_PATH", {"/active-hdl"}},
+        {"modelsim", "MODELSIM_PATH", {"/modeltech/win32loem"}},
+        {"questasim", "QUESTASIM_PATH", {"/questasim/win64"}},
+        // The ESDK has no place of its own below the install root.
+        {"esdk", "ESDK_PATH", {}},
+    };
+    return tools;
+}
+
+ToolLocation locateCompanionTool(const CompanionTool &tool, bool useDefault)
+{
+    ToolLocation location;
+    QString configured;
+    {
+        BaseSettings settings{QString()};
+        const QString key = QString::fromLatin1(tool.key);
+        // What getStringSetting (getDefaultStringSetting with useDefault) gives, in one walk that
+        // also names the level: the first level that holds the key answers, even with an empty
+        // value, in the order of the layered lookup; with useDefault the system level alone.
+        const QSettings *levels[] = {settings.getProjectLeverSetting(), settings.getUserSetting(),
+                                     settings.getSystemSetting()};
+        for (qsizetype index = useDefault ? 2 : 0; index < 3; ++index) {
+            if (levels[index]->contains(key)) {
+                configured = levels[index]->value(key).toString();
+                const SettingsLevel level = settingsLevels(settings).at(index);
+                location.scope = level.scope;
+                location.settingsFile = level.fileName;
+                break;
+            }
+        }
+    }
+    // A configured folder is taken as it stands, even if it does not exist.
+    if (!configured.isEmpty()) {
+        location.directory = QDir(configured);
+        location.source = ToolSource::Setting;
+        return location;
+    }
+    if (tool.candidates.isEmpty())
+        return location;
+
+    const char *root = std::getenv("TOOLRTF");
+    if (!root) {
+        qDebug() << "Error : set ."
+                 << "TOOLRTF"
+                 << "first.";
+        return location;
+    }
+    const QString rootPath(root);
+    for (const char *candidate : tool.candidates) {
+        QDir folder(rootPath + QLatin1String(candidate));
+        location.tried.append(folder.path());
+        if (folder.exists()) {
+            location.directory = folder;
+            location.source = ToolSource::Folder;
+            return location;
+        }
+    }
+    return location;
+}
+
+SimulatorSelection simulatorSelection()
+{
+    // The installation decides; a user or project value has no say.
+    SimulatorSelection selection;
+    BaseSettings settings{QString()};
+    selection.type = settings.getDefaultStringSetting(QStringLiteral("SIMULATOR_TYPE"));
+    selection.settingsFile = settings.getSystemSetting()->fileName(); // absolute already
+    for (const SimulatorType &known : simulatorTypes) {
+        if (selection.type == QLatin1String(known.text)) {
+            selection.known = true;
+            selection.code = known.code;
+        }
+    }
+    return selection;
+}
+
+} // namespace corvekit_private

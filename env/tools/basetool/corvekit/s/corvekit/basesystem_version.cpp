@@ -24,14 +24,16 @@ const char *const buildTime = __TIME__;
 const char *const monthTable[] = {"jan", "feb", "mar", "apr", "may", "jun",
                                   "jul", "aug", "sep", "oct", "nov", "dec"};
 
-QString versionFilePath()
-{
-    return QDir(BaseSystem::getInstallPath().path() + QLatin1String("/data"))
-        .filePath(QStringLiteral("zeksys.ini"));
-}
-
 // False, after the message, when the version file is missing; logged at every call. A FIFO, a
 // socket or a device counts as missing: QSettings would block in open() on a FIFO with no writer.
+using corvekit_private::versionFilePath;
+
+// The caller's spelling goes to beginGroup; the file's groups are matched in any case.
+bool hasGroup(const QSettings &versionFile, const QString &group)
+{
+    return !group.isEmpty() && versionFile.childGroups().contains(group, Qt::CaseInsensitive);
+}
+
 bool versionFileExists(const QString &path)
 {
     const QFileInfo info(path);
@@ -57,8 +59,8 @@ QString BaseSystem::getProductVersion(const QString &group, VersionPatten patter
         return QStringLiteral("0.0.0");
 
     QSettings versionFile(path, QSettings::IniFormat);
-    // The product's own group if the file has one; the caller's spelling goes to beginGroup.
-    if (!group.isEmpty() && versionFile.childGroups().contains(group, Qt::CaseInsensitive))
+    // The product's own group if the file has one.
+    if (hasGroup(versionFile, group))
         versionFile.beginGroup(group);
 
     QString major = versionFile.value(QStringLiteral("version/MajorVersion")).toString();
@@ -130,6 +132,32 @@ int BaseSystem::findMonth(QString month)
 {
     return corvekit::detail::monthNumber(std::move(month));
 }
+
+namespace corvekit_private {
+
+QString versionFilePath()
+{
+    return QDir(BaseSystem::getInstallPath().path() + QLatin1String("/data"))
+        .filePath(QStringLiteral("zeksys.ini"));
+}
+
+bool versionFileHasGroup(const QString &group)
+{
+    const QString path = versionFilePath();
+    if (!QFileInfo(path).isFile())
+        return false;
+    return hasGroup(QSettings(path, QSettings::IniFormat), group);
+}
+
+QStringList versionFileGroups()
+{
+    const QString path = versionFilePath();
+    if (!QFileInfo(path).isFile())
+        return {};
+    return QSettings(path, QSettings::IniFormat).childGroups();
+}
+
+} // namespace corvekit_private
 
 namespace corvekit::detail {
 
