@@ -44,7 +44,9 @@ Profiler::Profiler()
     m_enabled = switchedOn("ENABLE_GUI_PROFILER");
     if (m_enabled) {
         m_detail = switchedOn("ENABLE_GUI_PROFILER_DETAIL");
-        m_index = new ProfileTaskIndex;
+        auto index = std::make_unique<ProfileTaskIndex>();
+        index->timeline = TimelineFile::fromEnvironment();
+        m_index = index.release();
     }
 }
 
@@ -109,10 +111,19 @@ void Profiler::stopRecord()
     if (!m_enabled || !m_current)
         return;
     ProfileTask *task = m_current;
-    task->m_cpuTime += task->m_timer->get_delta_cpu();
-    task->m_realTime += task->m_timer->get_delta_real();
-    task->m_deltaMem +=
-        static_cast<double>(UT_MEM_USAGE::getCurrentMemoryUsage()) - task->m_startMem;
+    const double cpuTime = task->m_timer->get_delta_cpu();
+    const double realTime = task->m_timer->get_delta_real();
+    task->m_cpuTime += cpuTime;
+    task->m_realTime += realTime;
+    // The timeline's clock is read next to the real time, so that a run's span starts where
+    // its timer was reset.
+    TimelineFile *timeline = m_index->timeline.get();
+    const std::int64_t stoppedAt = timeline ? TimelineFile::now() : 0;
+    const auto memory = static_cast<double>(UT_MEM_USAGE::getCurrentMemoryUsage());
+    task->m_deltaMem += memory - task->m_startMem;
+    if (timeline)
+        timeline->write({task, m_stack.size(), cpuTime, realTime, task->m_startMem, memory},
+                        stoppedAt);
     if (m_detail)
         postDetail("[%s] stopped at %s, Mem %uMB", task->m_name.constData());
     if (m_stack.empty()) {
@@ -138,6 +149,8 @@ void Profiler::clear()
     m_stack.clear();
     m_index->clear();
     m_tasks.clear();
+    if (m_index->timeline)
+        m_index->timeline->flush();
 }
 
 bool Profiler::is_enabled()
