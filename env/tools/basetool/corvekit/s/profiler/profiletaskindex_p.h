@@ -2,11 +2,9 @@
 #define CORVEKIT_PROFILETASKINDEX_P_H
 
 #include "profiletask.h"
-#include "timelinefile_p.h"
 
 #include <cstring>
 #include <functional>
-#include <memory>
 #include <string_view>
 #include <vector>
 
@@ -48,10 +46,6 @@ public:
         m_slots.clear();
         m_count = 0;
     }
-
-    // The timeline that every run is also written to, or null. It rides here because the index
-    // is what only an enabled profiler has: a disabled one pays nothing for it.
-    std::shared_ptr<TimelineFile> timeline;
 
 private:
     struct Slot

@@ -12,6 +12,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <map>
+#include <unordered_map>
 
 namespace tivoran::corvekit {
 
@@ -45,6 +46,21 @@ Timelines &timelines()
     static Timelines all;
     return all;
 }
+
+// The profilers that write a timeline, by their task index.
+struct Writers
+{
+    std::mutex mutex;
+    std::unordered_map<const void *, std::shared_ptr<TimelineFile>> timelines;
+};
+
+Writers &writers()
+{
+    static Writers all;
+    return all;
+}
+
+std::atomic<std::size_t> writerCount{0};
 
 std::uint64_t limitFromEnvironment()
 {
@@ -176,6 +192,52 @@ QString TimelineFile::processFileName(const QString &path, std::uint64_t process
     if (dot <= nameStart)
         dot = path.size();
     return QString(path).insert(dot, QLatin1Char('.') + QString::number(processId));
+}
+
+void TimelineFile::attach(const void *owner, std::shared_ptr<TimelineFile> timeline)
+{
+    Writers &all = writers();
+    const std::lock_guard<std::mutex> lock(all.mutex);
+    all.timelines[owner] = std::move(timeline);
+    writerCount.store(all.timelines.size(), std::memory_order_relaxed);
+}
+
+void TimelineFile::share(const void *original, const void *copy)
+{
+    if (writerCount.load(std::memory_order_relaxed) == 0)
+        return;
+    Writers &all = writers();
+    const std::lock_guard<std::mutex> lock(all.mutex);
+    const auto found = all.timelines.find(original);
+    if (found == all.timelines.end())
+        return;
+    all.timelines[copy] = found->second;
+    writerCount.store(all.timelines.size(), std::memory_order_relaxed);
+}
+
+void TimelineFile::detach(const void *owner)
+{
+    if (writerCount.load(std::memory_order_relaxed) == 0)
+        return;
+    std::shared_ptr<TimelineFile> last; // let go of after the lock: it may write its end
+    Writers &all = writers();
+    const std::lock_guard<std::mutex> lock(all.mutex);
+    const auto found = all.timelines.find(owner);
+    if (found == all.timelines.end())
+        return;
+    last = std::move(found->second);
+    all.timelines.erase(found);
+    writerCount.store(all.timelines.size(), std::memory_order_relaxed);
+}
+
+TimelineFile *TimelineFile::of(const void *owner)
+{
+    if (writerCount.load(std::memory_order_relaxed) == 0)
+        return nullptr;
+    Writers &all = writers();
+    const std::lock_guard<std::mutex> lock(all.mutex);
+    const auto found = all.timelines.find(owner);
+    return found == all.timelines.end() ? nullptr : found->second.get();
 }
 
 std::int64_t TimelineFile::now()

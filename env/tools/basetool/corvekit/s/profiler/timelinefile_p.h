@@ -55,6 +55,16 @@ public:
     //! The monotonic clock now, in nanoseconds.
     static std::int64_t now();
 
+    // Which profiler writes to which timeline, by the profiler's task index: the one thing only
+    // an enabled profiler has, whose layout stays as it is, so the link lives here.
+    //! Makes \a owner write to \a timeline.
+    static void attach(const void *owner, std::shared_ptr<TimelineFile> timeline);
+    //! Makes \a copy write to the timeline of \a original, if it has one.
+    static void share(const void *original, const void *copy);
+    static void detach(const void *owner);
+    //! The timeline of \a owner, or null; a test of one counter while no profiler has one.
+    static TimelineFile *of(const void *owner);
+
     TimelineFile(const QString &path, std::uint64_t limitBytes);
     ~TimelineFile();
     TimelineFile(const TimelineFile &) = delete;
