@@ -116,14 +116,7 @@ private:
         return true;
     }
 
-    bool text(QByteArray &value)
-    {
-        std::string_view view;
-        if (!string(view))
-            return false;
-        value = QByteArray(view.data(), static_cast<qsizetype>(view.size()));
-        return true;
-    }
+    bool text(std::string_view &value) { return string(value); }
 
     bool number(double &value)
     {
@@ -136,13 +129,13 @@ private:
     }
 
     // A value as it stands in the file.
-    bool token(QByteArray &value)
+    bool token(std::string_view &value)
     {
         peek();
         const char *begin = m_at;
         if (!skipValue())
             return false;
-        value = QByteArray(begin, static_cast<qsizetype>(m_at - begin));
+        value = std::string_view(begin, static_cast<std::size_t>(m_at - begin));
         return true;
     }
 
@@ -316,7 +309,7 @@ void TraceSummary::add(const TraceEvent &event)
     ++m_runs;
     qint64 nested = 0;
     if (event.level >= 0) {
-        std::vector<qint64> &unclaimed = m_unclaimed[event.process + '/' + event.thread];
+        std::vector<qint64> &unclaimed = unclaimedOf(event);
         const auto level = static_cast<std::size_t>(event.level);
         if (unclaimed.size() < level + 2)
             unclaimed.resize(level + 2);
@@ -325,9 +318,14 @@ void TraceSummary::add(const TraceEvent &event)
         std::fill(unclaimed.begin() + static_cast<std::ptrdiff_t>(level) + 1, unclaimed.end(), 0);
         unclaimed[level] += duration;
     }
-    const QByteArray &name = event.task.isEmpty() ? event.name : event.task;
-    TaskSummary &task = m_tasks[name];
-    task.name = name;
+    const std::string_view name = event.task.empty() ? event.name : event.task;
+    const auto size = static_cast<qsizetype>(name.size());
+    auto found = m_tasks.find(QByteArray::fromRawData(name.data(), size));
+    if (found == m_tasks.end()) {
+        const QByteArray key(name.data(), size);
+        found = m_tasks.insert(key, TaskSummary{key});
+    }
+    TaskSummary &task = *found;
     ++task.count;
     task.total += duration;
     task.self += duration - nested;
@@ -335,6 +333,18 @@ void TraceSummary::add(const TraceEvent &event)
         task.longest = duration;
         task.longestStart = start;
     }
+}
+
+std::vector<qint64> &TraceSummary::unclaimedOf(const TraceEvent &event)
+{
+    const std::size_t split = event.process.size();
+    if (!m_lastUnclaimed || m_lastThread.size() != split + 1 + event.thread.size() ||
+        m_lastThread.compare(0, split, event.process) != 0 ||
+        m_lastThread.compare(split + 1, std::string::npos, event.thread) != 0) {
+        m_lastThread.assign(event.process).append(1, '/').append(event.thread);
+        m_lastUnclaimed = &m_unclaimed[m_lastThread];
+    }
+    return *m_lastUnclaimed;
 }
 
 std::vector<TaskSummary> TraceSummary::tasks() const

@@ -6,21 +6,24 @@
 #include <QHash>
 #include <QString>
 
+#include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
-// One event of a trace file, with the fields the tool reads. Texts stay as the file spells
-// them, escapes and all; decodedText() turns one into a QString.
+// One event of a trace file, with the fields the tool reads. The texts point into the reader's
+// buffer and stay valid until it moves on; they stand as the file spells them, escapes and all,
+// and decodedText() turns one into a QString.
 struct TraceEvent
 {
-    std::string_view text; // the whole event; valid until the reader moves on
-    QByteArray name;
-    QByteArray phase;
-    QByteArray process; // the "pid" and "tid" values as they stand, numbers or texts
-    QByteArray thread;
-    QByteArray task;      // "task" of "args": the task's name when "name" carries a title too
-    double start = 0;     // "ts", microseconds
-    double duration = -1; // "dur", microseconds; negative when the event has none
+    std::string_view text; // the whole event
+    std::string_view name;
+    std::string_view phase;
+    std::string_view process; // the "pid" and "tid" values as they stand, numbers or texts
+    std::string_view thread;
+    std::string_view task; // "task" of "args": the task's name when "name" carries a title too
+    double start = 0;      // "ts", microseconds
+    double duration = -1;  // "dur", microseconds; negative when the event has none
     // Both lie within 10^15 microseconds (some 30 years) of 0.
     int level = -1; // "level" of "args", the nesting depth; negative when absent
 };
@@ -92,9 +95,14 @@ public:
     qint64 runs() const { return m_runs; }
 
 private:
+    std::vector<qint64> &unclaimedOf(const TraceEvent &event);
+
     QHash<QByteArray, TaskSummary> m_tasks;
     // Per thread: at each level, the time of finished runs that no enclosing run has taken yet.
-    QHash<QByteArray, std::vector<qint64>> m_unclaimed;
+    // The thread of the last event is kept at hand, as runs come in stretches of one thread.
+    std::unordered_map<std::string, std::vector<qint64>> m_unclaimed;
+    std::string m_lastThread;
+    std::vector<qint64> *m_lastUnclaimed = nullptr;
     qint64 m_start = 0;
     qint64 m_runs = 0;
 };
