@@ -47,7 +47,8 @@ Timelines &timelines()
     return all;
 }
 
-// The profilers that write a timeline, by their task index.
+// The profilers that write a timeline, by their task index. Never destroyed: a profiler that
+// is itself a static may end after any other static, and still lets go of its timeline here.
 struct Writers
 {
     std::mutex mutex;
@@ -56,8 +57,8 @@ struct Writers
 
 Writers &writers()
 {
-    static Writers all;
-    return all;
+    static auto *all = new Writers;
+    return *all;
 }
 
 std::atomic<std::size_t> writerCount{0};
