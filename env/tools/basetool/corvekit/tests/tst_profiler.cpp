@@ -79,8 +79,8 @@ int timelineScenario()
         Profiler profiler;
         Profiler other;
         play(profiler, probes,
-             "+Load,@0.5 1.25 2,+Parse,=Parse → VHDL,@0.25 0.5 -1,-,+Pl\"a\\ce,@0 0.25 1,-,@0 0.25 0,-,"
-             "+Load,@1 1 1,-");
+             "+Load,@0.5 1.25 2,+Parse,=Parse → VHDL,@0.25 0.5 -1,-,+Pl\"a\\ce,@0 0.25 1,-,"
+             "@0 0.25 0,-,+Load,@1 1 1,-");
         play(other, probes, "+Map,@2 2 0,-");
         for (int i = qEnvironmentVariableIntValue("RUNS"); i > 0; --i)
             play(other, probes, "+Step,@0 0.25 0,-");
