@@ -22,15 +22,15 @@ static const Files extras = {
     {"empty/.setting.ini", "[General]\nPRECISION_PATH=\n"},
     {"<", "net10\r\nnet9\r\n\xe9t\xe9\r\nnet1"},
     {"b.xml", "<helpIndex version=\"1.0\">\n<tool name=\"T\">\n<tooltip>a<b/></tooltip>"},
-    // Timelines: runs nested on thread 1 beside one on thread 2, a title, a counter and a last
-    // event cut short; a second process with two events on one line; faults.
+    // Timelines: runs nested on thread 1 beside one on thread 2, a title with a brace, a counter
+    // and a last event cut short; a second process with two events on one line; faults.
     {"trace-a.json",
      "[\n{\"name\":\"Parse\",\"ph\":\"X\",\"ts\":1000,\"dur\":300,\"pid\":1,\"tid\":1,\"args\":{"
      "\"level\":1}},\n"
      "{\"name\":\"mem\",\"ph\":\"C\",\"ts\":1300,\"pid\":1,\"tid\":1,\"args\":{\"bytes\":5}},\n"
      "{\"name\":\"Place\",\"ph\":\"X\",\"ts\":1400,\"dur\":500,\"pid\":1,\"tid\":1,\"args\":{"
      "\"level\":1}},\n"
-     "{\"name\":\"Load (Load all)\",\"ph\":\"X\",\"ts\":900,\"dur\":1200,\"pid\":1,\"tid\":1,"
+     "{\"name\":\"Load (Load all})\",\"ph\":\"X\",\"ts\":900,\"dur\":1200,\"pid\":1,\"tid\":1,"
      "\"args\":{\"level\":0,\"task\":\"Load\"}},\n"
      "{\"name\":\"Parse\",\"ph\":\"X\",\"ts\":950,\"dur\":100,\"pid\":1,\"tid\":2,\"args\":{"
      "\"level\":0}},\n"
