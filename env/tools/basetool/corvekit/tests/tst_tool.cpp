@@ -40,6 +40,7 @@ static const Files extras = {
     {"trace-none.json", "[\n]\n"},
     {"trace-bad.json", "[\n{\"name\":\"Map\",\"ph\":\"X\",\"ts\":1,\"dur\":-5}\n]\n"},
     {"trace-huge.json", "[{\"name\":\"" + QByteArray(1 << 20, 'x')},
+    {"trace-level.json", "[{\"name\":\"x\",\"ph\":\"X\",\"dur\":1,\"args\":{\"level\":-1}}]"},
 };
 
 // Every file below \a root with its contents, by relative path.
@@ -191,6 +192,8 @@ void TestTool::run_data()
     failure("profile merge trace-a.json", 2, "merge: missing -o FILE; see --help");
     failure("profile merge trace-a.json -o /proc/m.json", 4, "/proc/m.json: cannot write");
     failure("profile summary trace-bad.json", 3, "trace-bad.json: byte 2: a malformed trace event");
+    failure("profile summary trace-level.json", 3,
+            "trace-level.json: byte 1: a malformed trace event");
     failure("profile summary trace-huge.json", 3,
             "trace-huge.json: byte 1: an event longer than 1 MiB");
     failure("profile summary project", 3, "project: is a directory");
