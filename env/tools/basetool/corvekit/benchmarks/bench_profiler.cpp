@@ -1,7 +1,7 @@
 // Cost of the profiler: a disabled profiler per call; a start/stop pair against the probes it
 // reads (two CPU-clock, two real-clock and two memory readings), at 1, 1,000 and 10,000
-// distinct names; detail lines on against off; and finding a record by a scan of the task
-// list against the name index.
+// distinct names; a pair that also writes its timeline against one that does not; detail lines
+// on against off; and finding a record by a scan of the task list against the name index.
 #include <corvekit/profiler.h>
 
 #include <profiler/profiletask.h>
@@ -12,7 +12,9 @@
 #include <hulmar/ut_timer.h>
 
 #include <QByteArray>
+#include <QFile>
 #include <QLoggingCategory>
+#include <QTemporaryDir>
 
 #include <benchmark/benchmark.h>
 
@@ -167,6 +169,52 @@ void BM_PairAgainstProbes(benchmark::State &state)
     state.counters["ratio"] = pairSeconds / probeSeconds;
 }
 BENCHMARK(BM_PairAgainstProbes)->Arg(1)->Arg(1000)->Arg(10000);
+
+// A pair that writes its run to a timeline against one that does not, in alternating blocks as
+// above; the timeline goes to a temporary folder, with room for every run of the benchmark.
+void BM_PairWithTimeline(benchmark::State &state)
+{
+    const std::vector<std::string> names = makeNames(static_cast<std::size_t>(state.range(0)));
+    Profiler plain = makeProfiler(true, false);
+    const QTemporaryDir folder;
+    setenv("GUI_PROFILER_TRACE", QFile::encodeName(folder.filePath("trace.json")).constData(), 1);
+    setenv("GUI_PROFILER_TRACE_LIMIT", "65536", 1);
+    Profiler traced;
+    unsetenv("GUI_PROFILER_TRACE");
+    for (const std::string &name : names) {
+        plain.startRecord(name.c_str());
+        plain.stopRecord();
+        traced.startRecord(name.c_str());
+        traced.stopRecord();
+    }
+    std::size_t next = 0;
+    const auto pair = [&](Profiler &profiler) {
+        profiler.startRecord(names[next].c_str());
+        profiler.stopRecord();
+        if (++next == names.size())
+            next = 0;
+    };
+    constexpr int block = 64;
+    double plainSeconds = 0;
+    double tracedSeconds = 0;
+    bool plainFirst = true;
+    for (auto _ : state) {
+        for (int side = 0; side < 2; ++side) {
+            const bool measuringPlain = (side == 0) == plainFirst;
+            Profiler &profiler = measuringPlain ? plain : traced;
+            const double start = threadCpuSeconds();
+            for (int i = 0; i < block; ++i)
+                pair(profiler);
+            (measuringPlain ? plainSeconds : tracedSeconds) += threadCpuSeconds() - start;
+        }
+        plainFirst = !plainFirst;
+    }
+    const double pairs = static_cast<double>(state.iterations()) * block;
+    state.counters["plain_ns"] = plainSeconds / pairs * 1e9;
+    state.counters["traced_ns"] = tracedSeconds / pairs * 1e9;
+    state.counters["added_ns"] = (tracedSeconds - plainSeconds) / pairs * 1e9;
+}
+BENCHMARK(BM_PairWithTimeline)->Arg(1)->Arg(1000);
 
 // Detail lines on, the message channel reduced to the test capture and the debug category off.
 void BM_PairDetailOn(benchmark::State &state)

@@ -8,7 +8,11 @@
 
 #include <hulmar/hulmar_testing.h>
 
+#include <QDir>
 #include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
@@ -64,7 +68,48 @@ int environmentScenario()
     return 0;
 }
 
-const auto scenarios = [] { return ScenarioTable{{"environment", environmentScenario}}; };
+// Two profilers of one process write their runs to the timeline, and a third one later; the
+// child prints its process id, everything posted and the reports.
+int timelineScenario()
+{
+    FakeProbes probes;
+    probes.currentMemory = 64 * MB;
+    MessageCapture capture;
+    {
+        Profiler profiler;
+        Profiler other;
+        play(profiler, probes,
+             "+Load,@0.5 1.25 2,+Parse,=Parse → VHDL,@0.25 0.5 -1,-,+Pl\"a\\ce,@0 0.25 1,-,"
+             "@0 0.25 0,-,+Load,@1 1 1,-");
+        play(other, probes, "+Map,@2 2 0,-");
+        for (int i = qEnvironmentVariableIntValue("RUNS"); i > 0; --i)
+            play(other, probes, "+Step,@0 0.25 0,-");
+        profiler.report("Timeline");
+        other.report("Other");
+    }
+    Profiler later;
+    play(later, probes, "+Later,@0 0.25 0,-");
+    later.report("Later");
+    report("pid", QString::number(QCoreApplication::applicationPid()));
+    for (const std::string &text : capture.texts())
+        std::puts(text.c_str());
+    return 0;
+}
+
+const auto scenarios = [] {
+    return ScenarioTable{{"environment", environmentScenario}, {"timeline", timelineScenario}};
+};
+
+// The timeline file of a child run with \a variables ("NAME=value", comma-separated) in \a home.
+ChildResult runTimeline(const QTemporaryDir &home, const QString &variables)
+{
+    QProcessEnvironment environment = cleanEnvironment(home.path());
+    environment.insert("ENABLE_GUI_PROFILER", "1");
+    for (const QString &variable : variables.split(',', Qt::SkipEmptyParts))
+        environment.insert(variable.section('=', 0, 0),
+                           variable.section('=', 1).replace("$H", home.path()));
+    return runScenario("timeline", environment);
+}
 
 } // namespace
 
@@ -77,6 +122,9 @@ private slots:
     void environment_data();
     void environment();
     void report();
+    void timeline();
+    void timelineLimits_data();
+    void timelineLimits();
 };
 
 void TestProfiler::environment_data()
@@ -158,6 +206,127 @@ void TestProfiler::report()
     profiler.report("");
     QCOMPARE(capture.texts().size(), std::size_t(105));
     QCOMPARE(capture.texts().at(2), "Task Name | CPU Time(s) | Real Time(s) | Delta Mem(M)");
+}
+
+void TestProfiler::timeline()
+{
+    QTemporaryDir home;
+    const ChildResult child = runTimeline(home, "GUI_PROFILER_TRACE=$H/t.json");
+    const QString pid = child.reportLine("pid").section('=', 1);
+    QCOMPARE(QDir(home.path()).entryList(QDir::Files), QStringList{"t." + pid + ".json"});
+    QFile file(home.filePath("t." + pid + ".json"));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QList<QByteArray> lines = file.readAll().split('\n');
+    QCOMPARE(lines.first(), "[");
+
+    // Each line is one event; a run's counter of resident memory follows it.
+    QList<QJsonObject> runs;
+    QMap<QString, QList<double>> sums; // seconds of CPU and real time, MiB of growth, runs
+    const auto event = [&](qsizetype i) {
+        const QByteArray &line = lines[i];
+        return QJsonDocument::fromJson(line.endsWith(',') ? line.chopped(1) : line).object();
+    };
+    for (qsizetype i = 1; i + 2 < lines.size(); i += 2) {
+        const QJsonObject run = event(i);
+        const QJsonObject counter = event(i + 1);
+        const QJsonObject args = run["args"].toObject();
+        QCOMPARE(run["ph"].toString(), "X");
+        QCOMPARE(run["pid"].toInteger(), pid.toLongLong());
+        QCOMPARE(counter["ph"].toString(), "C");
+        QCOMPARE(counter["ts"].toDouble(), run["ts"].toDouble() + run["dur"].toDouble());
+        QCOMPARE(counter["args"]["bytes"].toInteger(),
+                 args["memStartBytes"].toInteger() + args["memGrowthBytes"].toInteger());
+        // A title shows beside the name; the report shows it alone.
+        const QString task = args["task"].toString();
+        const QString name = run["name"].toString();
+        QList<double> &sum = sums[task.isEmpty() ? name : name.mid(task.size() + 2).chopped(1)];
+        sum.resize(4);
+        sum[0] += args["cpuUs"].toDouble() / 1e6;
+        sum[1] += run["dur"].toDouble() / 1e6;
+        sum[2] += args["memGrowthBytes"].toDouble() / MB;
+        sum[3] += 1;
+        runs.append(run);
+    }
+    QCOMPARE(lines.mid(lines.size() - 2), (QList<QByteArray>{"]", ""}));
+    QCOMPARE(runs.size(), 6);
+
+    // Runs are written as they end: a nested run lies within a later one a level up.
+    const auto start = [&](qsizetype at) { return runs.at(at)["ts"].toDouble(); };
+    const auto end = [&](qsizetype at) { return start(at) + runs.at(at)["dur"].toDouble(); };
+    const auto level = [&](qsizetype at) { return runs.at(at)["args"]["level"].toInteger(); };
+    for (qsizetype i = 0; i < runs.size(); ++i) {
+        bool enclosed = level(i) == 0;
+        for (qsizetype j = i + 1; j < runs.size() && !enclosed; ++j)
+            enclosed = level(j) == level(i) - 1 && start(j) <= start(i) && end(i) <= end(j);
+        QVERIFY2(enclosed, qPrintable(runs.at(i)["name"].toString()));
+    }
+
+    // The report's rows are the sums of the runs, within a microsecond a run.
+    QStringList rows = child.outputLines().filter(QRegularExpression("\\d \\|"));
+    QCOMPARE(rows.size(), sums.size());
+    for (const QString &row : rows) {
+        const QStringList cells = row.split('|');
+        const QList<double> sum = sums.value(cells[0].trimmed());
+        QVERIFY2(sum.size() == 4, qPrintable(row));
+        for (int column = 0; column < 3; ++column)
+            QVERIFY2(qAbs(cells[column + 1].toDouble() - sum[column]) <= sum[3] * 1e-6,
+                     qPrintable(row));
+    }
+}
+
+void TestProfiler::timelineLimits_data()
+{
+    // Variables of the child; what it posts before its reports; whether a timeline is left.
+    QTest::addColumn<QString>("variables");
+    QTest::addColumn<QString>("posted");
+    QTest::addColumn<bool>("written");
+
+    QTest::newRow("unset") << ""
+                           << "" << false;
+    QTest::newRow("empty") << "GUI_PROFILER_TRACE="
+                           << "" << false;
+    QTest::newRow("cannot open")
+        << "GUI_PROFILER_TRACE=$H/no/t.json"
+        << "Timeline $H/no/t.$P.json cannot be opened (…); no timeline is written\n"
+        << false;
+    QTest::newRow("limit") << "GUI_PROFILER_TRACE=$H/t,GUI_PROFILER_TRACE_LIMIT=1,RUNS=5000"
+                           << "Timeline $H/t.$P reached its limit of 1 MiB; later tasks are not "
+                              "written\n"
+                           << true;
+    QTest::newRow("no number") << "GUI_PROFILER_TRACE=$H/t,GUI_PROFILER_TRACE_LIMIT=1M,RUNS=5000"
+                               << "" << true;
+}
+
+void TestProfiler::timelineLimits()
+{
+    QFETCH(QString, variables);
+    QFETCH(QString, posted);
+    QFETCH(bool, written);
+
+    QTemporaryDir home;
+    const ChildResult child = runTimeline(home, variables);
+    const QString pid = child.reportLine("pid").section('=', 1);
+    const QString output = QString::fromUtf8(child.standardOutput);
+    const QString before = output.left(output.indexOf("\nTimeline\n"));
+    posted.replace("$H", home.path()).replace("$P", pid);
+    QVERIFY2(QRegularExpression(
+                 QRegularExpression::anchoredPattern(QRegularExpression::escape(posted).replace(
+                     QRegularExpression::escape("…"), ".*")))
+                 .match(before.mid(before.indexOf('\n') + 1))
+                 .hasMatch(),
+             qPrintable(before));
+    QCOMPARE(QFile::exists(home.filePath("t." + pid)), written);
+    QFile file(home.filePath("t." + pid));
+    if (written && file.open(QIODevice::ReadOnly)) {
+        // Complete to its closing bracket; a later profiler goes on with it unless it is full.
+        const bool full = variables.contains("LIMIT=1,");
+        QCOMPARE(file.size() <= (1 << 20), full);
+        const QJsonArray events = QJsonDocument::fromJson(file.readAll()).array();
+        QVERIFY(events.size() > 100);
+        QCOMPARE(std::any_of(events.begin(), events.end(),
+                             [](const QJsonValue &event) { return event["name"] == "Later"; }),
+                 !full);
+    }
 }
 
 CORVEKIT_TEST_MAIN_WITH_SCENARIOS(TestProfiler, scenarios)

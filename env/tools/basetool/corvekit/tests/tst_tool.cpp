@@ -29,6 +29,25 @@ static const Files extras = {
     {"bare/docs/webhelp/eng/helpindex.xml", "<helpIndex version=\"1.0\">\n<tool"},
     {"blockedroot/data/.setting.ini/keep", ""},
     {"dirversion/data/zeksys.ini/keep", ""},
+    // Timelines: runs nested on thread 1 beside one on thread 2, a title with a brace, a counter
+    // and a last event cut short; a second process with two events on one line; faults.
+    {"trace-a.json",
+     "[\n{\"name\":\"Parse\",\"ph\":\"X\",\"ts\":1000,\"dur\":300,\"pid\":1,\"tid\":1,\"args\":{"
+     "\"level\":1}},\n"
+     "{\"name\":\"mem\",\"ph\":\"C\",\"ts\":1300,\"pid\":1,\"tid\":1,\"args\":{\"bytes\":5}},\n"
+     "{\"name\":\"Place\",\"ph\":\"X\",\"ts\":1400,\"dur\":500,\"pid\":1,\"tid\":1,\"args\":{"
+     "\"level\":1}},\n"
+     "{\"name\":\"Load (Load all})\",\"ph\":\"X\",\"ts\":900,\"dur\":1200,\"pid\":1,\"tid\":1,"
+     "\"args\":{\"level\":0,\"task\":\"Load\"}},\n"
+     "{\"name\":\"Parse\",\"ph\":\"X\",\"ts\":950,\"dur\":100,\"pid\":1,\"tid\":2,\"args\":{"
+     "\"level\":0}},\n"
+     "{\"name\":\"Place\",\"ph\":\"X\",\"ts\":2500,\"dur\":700,\"pid\":1,\"tid\":1,\"args\":{"
+     "\"lev"},
+    {"trace-b.json", "[{\"ph\":\"M\"},{\"name\":\"Map\",\"ph\":\"X\",\"ts\":3000,\"dur\":50}]"},
+    {"trace-none.json", "[\n]\n"},
+    {"trace-bad.json", "[\n{\"name\":\"Map\",\"ph\":\"X\",\"ts\":1,\"dur\":-5}\n]\n"},
+    {"trace-huge.json", "[{\"name\":\"" + QByteArray(1 << 20, 'x')},
+    {"trace-level.json", "[{\"name\":\"x\",\"ph\":\"X\",\"dur\":1,\"args\":{\"level\":-1}}]"},
 };
 
 // Every file below \a root with its contents, by relative path.
@@ -262,6 +281,40 @@ void TestTool::run_data()
         "does not exist','name':'install root','status':'error'},{…'name':'data folder','status':"
         "'error'},…{…'name':'version file','status':'error'},{'advice':null,'detail':'$T/project/"
         ".setting.ini reads','name':'project settings','status':'ok'},…],'errors':3,'warnings':…}");
+    row("profile summary trace-a.json", 0,
+        "task     count      total ms       self ms    longest ms         at ms\n"
+        "Place        1         0.500         0.500         0.500         0.500\n"
+        "Load         1         1.200         0.400         1.200         0.000\n"
+        "Parse        2         0.400         0.400         0.300         0.100\n"
+        "trace-a.json: the last event was cut short and is left out\n");
+    row("profile summary --json trace-a.json trace-b.json", 0,
+        "{'cutShort':['trace-a.json'],'runs':5,'tasks':[{'count':1,'longestAtUs':500,'longestUs':"
+        "500,'name':'Place','selfUs':500,'totalUs':500},{…'name':'Load','selfUs':400,…},{…'name':"
+        "'Parse'…},{'count':1,'longestAtUs':2100,'longestUs':50,'name':'Map','selfUs':50,…}],…}");
+    row("profile summary --json trace-none.json", 1,
+        "{'cutShort':[],'runs':0,'tasks':[],'traces':['trace-none.json']}");
+    failure("profile summary trace-none.json", 1, "no task runs in the traces");
+    row("profile merge trace-a.json trace-b.json -o m.json", 0,
+        "m.json: 7 events of 2 traces\n== "
+        "m.json\n[\n{\"name\":\"Parse\",…,\"args\":{\"level\":0}},\n"
+        "{\"ph\":\"M\"},\n{\"name\":\"Map\",\"ph\":\"X\",\"ts\":3000,\"dur\":50}\n]\n");
+    failure("profile merge trace-a.json names -o m.json", 3,
+            "names: not a trace: a JSON array of events must begin it");
+    failure("profile merge trace-a.json", 2, "merge: missing -o FILE; see --help");
+    failure("profile merge trace-a.json -o /proc/m.json", 4, "/proc/m.json: cannot write");
+    failure("profile summary trace-bad.json", 3, "trace-bad.json: byte 2: a malformed trace event");
+    failure("profile summary trace-level.json", 3,
+            "trace-level.json: byte 1: a malformed trace event");
+    failure("profile summary trace-huge.json", 3,
+            "trace-huge.json: byte 1: an event longer than 1 MiB");
+    failure("profile summary project", 3, "project: is a directory");
+    failure("profile summary", 2, "missing argument; see --help");
+    failure("profile sum", 2, "profile: unknown action 'sum'");
+    // The tool's own timeline.
+    row("ENABLE_GUI_PROFILER=1 GUI_PROFILER_TRACE=t.json profile summary trace-b.json", 0,
+        "task…\nMap …\n== t.….json\n[\n{\"name\":\"read traces\",\"ph\":\"X\",…\"name\":\"profile\""
+        ",\"ph\":\"X\",…\n]\n",
+        "1009993: \ncorvekit profile\n…");
 }
 
 void TestTool::run()

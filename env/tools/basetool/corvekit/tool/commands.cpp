@@ -13,6 +13,7 @@ const QList<Command> &commands()
         {"sort", "sort names or pins in a name or pin order", runSort},
         {"wildcard", "translate a wildcard pattern and match names with it", runWildcard},
         {"help", "answer a help index query, or check a help index file", runHelp},
+        {"profile", "sum up or merge the profiler's timeline files", runProfile},
     };
     return all;
 }

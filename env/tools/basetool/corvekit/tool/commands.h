@@ -29,5 +29,6 @@ int runDoctor(const QStringList &arguments);
 // Name and pin ordering and wildcard patterns.
 int runSort(const QStringList &arguments);
 int runWildcard(const QStringList &arguments);
+int runProfile(const QStringList &arguments); // the profiler's timeline files
 
 #endif

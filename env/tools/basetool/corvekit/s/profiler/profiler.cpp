@@ -4,6 +4,7 @@
 #include "post_utmsg.h"
 #include "profiletask.h"
 #include "profiletaskindex_p.h"
+#include "timelinefile_p.h"
 
 #include <hulmar/neoform.h>
 #include <hulmar/ut_mem_usage.h>
@@ -44,7 +45,10 @@ Profiler::Profiler()
     m_enabled = switchedOn("ENABLE_GUI_PROFILER");
     if (m_enabled) {
         m_detail = switchedOn("ENABLE_GUI_PROFILER_DETAIL");
-        m_index = new ProfileTaskIndex;
+        auto index = std::make_unique<ProfileTaskIndex>();
+        if (std::shared_ptr<TimelineFile> timeline = TimelineFile::fromEnvironment())
+            TimelineFile::attach(index.get(), std::move(timeline));
+        m_index = index.release();
     }
 }
 
@@ -55,11 +59,19 @@ Profiler::Profiler(const Profiler &other)
     , m_stack(other.m_stack)
     , m_tasks(other.m_tasks)
     , m_index(other.m_index ? new ProfileTaskIndex(*other.m_index) : nullptr)
-{}
+{
+    try {
+        TimelineFile::share(other.m_index, m_index);
+    } catch (...) {
+        delete m_index;
+        throw;
+    }
+}
 
 Profiler::~Profiler()
 {
     clear();
+    TimelineFile::detach(m_index);
     delete m_index;
 }
 
@@ -73,7 +85,9 @@ Profiler &Profiler::operator=(const Profiler &other)
                                                           : nullptr);
     std::deque<ProfileTask *> stack = other.m_stack;
     std::vector<QExplicitlySharedDataPointer<SharedProfileTask>> tasks = other.m_tasks;
+    TimelineFile::share(other.m_index, index.get());
 
+    TimelineFile::detach(m_index);
     m_enabled = other.m_enabled;
     m_detail = other.m_detail;
     m_current = other.m_current;
@@ -109,10 +123,19 @@ void Profiler::stopRecord()
     if (!m_enabled || !m_current)
         return;
     ProfileTask *task = m_current;
-    task->m_cpuTime += task->m_timer->get_delta_cpu();
-    task->m_realTime += task->m_timer->get_delta_real();
-    task->m_deltaMem +=
-        static_cast<double>(UT_MEM_USAGE::getCurrentMemoryUsage()) - task->m_startMem;
+    const double cpuTime = task->m_timer->get_delta_cpu();
+    const double realTime = task->m_timer->get_delta_real();
+    task->m_cpuTime += cpuTime;
+    task->m_realTime += realTime;
+    // The timeline's clock is read next to the real time, so that a run's span starts where
+    // its timer was reset.
+    TimelineFile *timeline = TimelineFile::of(m_index);
+    const std::int64_t stoppedAt = timeline ? TimelineFile::now() : 0;
+    const auto memory = static_cast<double>(UT_MEM_USAGE::getCurrentMemoryUsage());
+    task->m_deltaMem += memory - task->m_startMem;
+    if (timeline)
+        timeline->write({task, m_stack.size(), cpuTime, realTime, task->m_startMem, memory},
+                        stoppedAt);
     if (m_detail)
         postDetail("[%s] stopped at %s, Mem %uMB", task->m_name.constData());
     if (m_stack.empty()) {
@@ -138,6 +161,8 @@ void Profiler::clear()
     m_stack.clear();
     m_index->clear();
     m_tasks.clear();
+    if (TimelineFile *timeline = TimelineFile::of(m_index))
+        timeline->flush();
 }
 
 bool Profiler::is_enabled()

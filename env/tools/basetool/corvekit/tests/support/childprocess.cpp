@@ -27,7 +27,8 @@ QProcessEnvironment cleanEnvironment(const QString &home)
     for (const char *name :
          {"TOOLRTF", "FOUNDRY", "ZEKPROG_PATH", "SOLVANE_GROUP_SETTING_FILE", "TIVORANDEBUG",
           "ENABLE_GUI_PROFILER", "ENABLE_GUI_PROFILER_DETAIL", "GUI_PROFILER_SETTINGS",
-          "CORVEKIT_TEST_SCENARIO", "QT_LOGGING_RULES", "QT_MESSAGE_PATTERN"})
+          "GUI_PROFILER_TRACE", "GUI_PROFILER_TRACE_LIMIT", "CORVEKIT_TEST_SCENARIO",
+          "QT_LOGGING_RULES", "QT_MESSAGE_PATTERN"})
         environment.remove(QString::fromLatin1(name));
     environment.insert(QStringLiteral("HOME"), home);
     environment.insert(QStringLiteral("XDG_CONFIG_HOME"), home + QLatin1String("/.config"));
