@@ -249,8 +249,8 @@ void TestTool::run_data()
         "{'extensions':[],'filter':null,'found':false,'key':'File_Extension/bitstream','type':"
         "'bitstream'}");
     row("filter netlist --project bad", 0, "extensions: edf edn\n…",
-        "corvekit: warning: project settings file $T/bad/.setting.ini is malformed, keys after the "
-        "error are skipped\n");
+        "corvekit: warning: project settings file $T/bad/.setting.ini is malformed, lines that are "
+        "no settings are skipped\n");
     failure("filter a b c", 2, "unexpected argument 'c'; see --help");
     failure("env x", 2, "unexpected argument 'x'; see --help");
     row("SOLVANE_GROUP_SETTING_FILE=$T/team.ini env --json", 0,

@@ -59,7 +59,7 @@ QString why(SettingsFileState state)
     case SettingsFileState::Unreadable:
         return QStringLiteral("cannot be read");
     case SettingsFileState::Malformed:
-        return QStringLiteral("is malformed, keys after the error are lost");
+        return QStringLiteral("is malformed, lines that are no settings are lost");
     case SettingsFileState::NotRegularFile:
         break;
     }

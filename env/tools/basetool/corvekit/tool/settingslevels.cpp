@@ -36,7 +36,7 @@ void warnSkippedLevels(BaseSettings &settings)
             why = QStringLiteral("cannot be read, skipped");
             break;
         case SettingsFileState::Malformed:
-            why = QStringLiteral("is malformed, keys after the error are skipped");
+            why = QStringLiteral("is malformed, lines that are no settings are skipped");
             break;
         case SettingsFileState::NotRegularFile:
             why = QStringLiteral("is not a regular file, skipped");
