@@ -2,9 +2,11 @@
 #include "toolio.h"
 
 #include <corvekit/helpindexreader.h>
+#include <helpindexreader/helpindexoutline_p.h>
 
 #include <QCommandLineParser>
 #include <QFile>
+#include <QJsonArray>
 #include <QJsonObject>
 
 namespace {
@@ -45,49 +47,99 @@ int check(const QString &file, HelpIndexReader &reader, bool json)
     return ExitSuccess;
 }
 
+QJsonArray entriesJson(const QList<corvekit_private::HelpIndexEntry> &entries)
+{
+    QJsonArray array;
+    for (const corvekit_private::HelpIndexEntry &entry : entries)
+        array.append(QJsonObject{{QStringLiteral("name"), entry.name},
+                                 {QStringLiteral("href"), entry.href}});
+    return array;
+}
+
+// The tools, views and dialogs of a sound index: one line each, kind, tool and name separated
+// by tabs, so that a line tells everything about itself.
+int list(const QString &file, QFile &device, HelpIndexReader &reader, bool json)
+{
+    // A second dump() repeats the verdict, so check() reports a broken file as --check does.
+    if (!reader.dump())
+        return check(file, reader, json);
+    QList<corvekit_private::HelpIndexTool> tools;
+    if (!corvekit_private::helpIndexOutline(&device, tools))
+        return fail(ExitInvalidInput, QStringLiteral("%1: cannot read the index again").arg(file));
+    if (json) {
+        QJsonArray array;
+        for (const corvekit_private::HelpIndexTool &tool : std::as_const(tools))
+            array.append(QJsonObject{{QStringLiteral("name"), tool.tool.name},
+                                     {QStringLiteral("href"), tool.tool.href},
+                                     {QStringLiteral("views"), entriesJson(tool.views)},
+                                     {QStringLiteral("dialogs"), entriesJson(tool.dialogs)}});
+        printJson({{QStringLiteral("file"), file}, {QStringLiteral("tools"), array}});
+        return ExitSuccess;
+    }
+    for (const corvekit_private::HelpIndexTool &tool : std::as_const(tools)) {
+        printLine(QStringLiteral("tool\t") + tool.tool.name);
+        for (const corvekit_private::HelpIndexEntry &view : tool.views)
+            printLine(QStringLiteral("view\t%1\t%2").arg(tool.tool.name, view.name));
+        for (const corvekit_private::HelpIndexEntry &dialog : tool.dialogs)
+            printLine(QStringLiteral("dialog\t%1\t%2").arg(tool.tool.name, dialog.name));
+    }
+    return ExitSuccess;
+}
+
 } // namespace
 
-int runHelp(const QStringList &arguments)
+int runHelpIndex(const QStringList &arguments)
 {
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
         "Answers what a help index says about a tool, a view or a dialog, as the suite's tools "
-        "ask it, or checks that FILE is a sound help index.\n"
+        "ask it, lists the tools, views and dialogs of FILE, or checks that FILE is a sound help "
+        "index.\n"
         "Without an item option the answer is the help reference of the tool, the view or the "
         "dialog; --text gives the dialog's text instead. An item option asks for a short text "
         "(or --url for the reference) of an item of the tool, or of the dialog with --dialog.\n"
-        "Exit status: 0 answered, 1 no match, 2 usage, 3 the file is not a sound help index."));
+        "Exit status: 0 answered, 1 no match, 2 usage, 3 the file is missing, not a regular "
+        "file, unreadable or not a sound help index."));
     const QCommandLineOption checkOption(QStringLiteral("check"),
                                          QStringLiteral("Checks the whole file and says where it "
                                                         "breaks."));
-    const QCommandLineOption jsonOption(QStringLiteral("json"), QStringLiteral("Prints JSON."));
-    const QCommandLineOption toolOption(QStringLiteral("tool"), QStringLiteral("The tool's name."),
+    const QCommandLineOption listOption(
+        QStringLiteral("list"), QStringLiteral("Lists the tools of the file with their views and "
+                                               "dialogs, once the whole file is checked."));
+    const QCommandLineOption jsonOption(
+        QStringLiteral("json"), QStringLiteral("Prints one JSON document, also on no match."));
+    const QCommandLineOption toolOption(QStringLiteral("tool"),
+                                        QStringLiteral("Asks about the tool called T."),
                                         QStringLiteral("T"));
     const QCommandLineOption viewOption(QStringLiteral("view"),
-                                        QStringLiteral("A view of the tool."), QStringLiteral("V"));
-    const QCommandLineOption dialogOption(
-        QStringLiteral("dialog"), QStringLiteral("A dialog of the tool."), QStringLiteral("D"));
+                                        QStringLiteral("Asks for the reference of the view V of "
+                                                       "the tool."),
+                                        QStringLiteral("V"));
+    const QCommandLineOption dialogOption(QStringLiteral("dialog"),
+                                          QStringLiteral("Asks about the dialog D of the tool."),
+                                          QStringLiteral("D"));
     const QCommandLineOption textOption(QStringLiteral("text"),
-                                        QStringLiteral("The dialog's text instead of its "
+                                        QStringLiteral("Gives the dialog's text instead of its "
                                                        "reference."));
     const QCommandLineOption whatsThisOption(QStringLiteral("whatsthis"),
-                                             QStringLiteral("What's-this text of ITEM."),
+                                             QStringLiteral("Asks for the what's-this text of "
+                                                            "ITEM."),
                                              QStringLiteral("ITEM"));
-    const QCommandLineOption tooltipOption(
-        QStringLiteral("tooltip"), QStringLiteral("Tooltip of ITEM."), QStringLiteral("ITEM"));
+    const QCommandLineOption tooltipOption(QStringLiteral("tooltip"),
+                                           QStringLiteral("Asks for the tooltip of ITEM."),
+                                           QStringLiteral("ITEM"));
     const QCommandLineOption descriptionOption(QStringLiteral("description"),
-                                               QStringLiteral("Description of ITEM."),
+                                               QStringLiteral("Asks for the description of ITEM."),
                                                QStringLiteral("ITEM"));
     const QCommandLineOption urlOption(QStringLiteral("url"),
-                                       QStringLiteral("Reference of ITEM (a description's, or at "
-                                                      "tool level a view's)."),
+                                       QStringLiteral("Asks for the reference of ITEM (a "
+                                                      "description's, or at tool level a "
+                                                      "view's)."),
                                        QStringLiteral("ITEM"));
-    parser.addOptions({checkOption, jsonOption, toolOption, viewOption, dialogOption, textOption,
-                       whatsThisOption, tooltipOption, descriptionOption, urlOption});
+    parser.addOptions({checkOption, listOption, jsonOption, toolOption, viewOption, dialogOption,
+                       textOption, whatsThisOption, tooltipOption, descriptionOption, urlOption});
     parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The help index file."));
-    if (int status = parseArguments(
-            parser, QStringList{QStringLiteral("corvekit help")} + arguments.mid(1), 1, 1);
-        status >= 0)
+    if (int status = parseArguments(parser, arguments, 1, 1); status >= 0)
         return status;
 
     // Which item query, if any; at most one.
@@ -102,23 +154,34 @@ int runHelp(const QStringList &arguments)
         if (!parser.isSet(*option))
             continue;
         if (itemOption)
-            return fail(ExitUsage, QStringLiteral("help: give at most one item option"));
+            return fail(ExitUsage, QStringLiteral("helpindex: give at most one item option"));
         itemOption = option;
         kind = QString::fromLatin1(name);
     }
     const bool checking = parser.isSet(checkOption);
+    const bool listing = parser.isSet(listOption);
     const bool hasView = parser.isSet(viewOption);
     const bool hasDialog = parser.isSet(dialogOption);
-    if (checking && (parser.isSet(toolOption) || hasView || hasDialog || itemOption))
-        return fail(ExitUsage, QStringLiteral("help: --check takes no query options"));
-    if (!checking && !parser.isSet(toolOption))
-        return fail(ExitUsage, QStringLiteral("help: give --check or --tool; see --help"));
+    const bool querying = parser.isSet(toolOption) || hasView || hasDialog || itemOption;
+    if (checking && listing)
+        return fail(ExitUsage, QStringLiteral("helpindex: give either --check or --list"));
+    if ((checking || listing) && querying)
+        return fail(ExitUsage,
+                    QStringLiteral("helpindex: --%1 takes no query options")
+                        .arg(checking ? QStringLiteral("check") : QStringLiteral("list")));
+    if (!checking && !listing && !parser.isSet(toolOption))
+        return fail(ExitUsage,
+                    QStringLiteral("helpindex: give --check, --list or --tool; see --help"));
     if (hasView && (hasDialog || itemOption))
-        return fail(ExitUsage, QStringLiteral("help: --view takes no --dialog or item option"));
+        return fail(ExitUsage,
+                    QStringLiteral("helpindex: --view takes no --dialog or item option"));
     if (parser.isSet(textOption) && (!hasDialog || itemOption))
-        return fail(ExitUsage, QStringLiteral("help: --text needs --dialog and no item option"));
+        return fail(ExitUsage,
+                    QStringLiteral("helpindex: --text needs --dialog and no item option"));
 
     const QString fileName = parser.positionalArguments().constFirst();
+    if (int status = checkInputFile(fileName); status >= 0)
+        return status;
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly))
         return fail(ExitInvalidInput,
@@ -128,6 +191,8 @@ int runHelp(const QStringList &arguments)
     const bool json = parser.isSet(jsonOption);
     if (checking)
         return check(fileName, reader, json);
+    if (listing)
+        return list(fileName, file, reader, json);
 
     const QByteArray tool = parser.value(toolOption).toUtf8();
     const QByteArray dialog = parser.value(dialogOption).toUtf8();
