@@ -160,7 +160,7 @@ void TestTool::run_data()
     row("help sort", 0, "Usage: corvekit sort [options] [FILE...]\n…");
     failure("help nope", 2, "unknown command 'nope'; see 'corvekit --help'");
     failure("setings get K", 2, "unknown command 'setings'; did you mean 'settings'?");
-    failure("sort --revrse", 2, "Unknown option 'revrse'; did you mean '--reverse'?");
+    failure("label x --josn", 2, "Unknown option 'josn'; did you mean '--json'?"); // a swap
     failure("--rot $T version", 2, "unknown option '--rot'; did you mean '--root'?");
     failure("env extra", 2, "unexpected argument 'extra'; see 'corvekit env --help'");
     failure("filter a b c", 2, "unexpected argument 'c'; see 'corvekit filter --help'");
