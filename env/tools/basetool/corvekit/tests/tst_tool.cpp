@@ -180,6 +180,8 @@ void TestTool::run_data()
     failure("sort -c -u sorted", 1, "sort: sorted:3: disorder: A2");
     failure("sort -c sorted sorted", 1, "sort: sorted:1: disorder: A1");
     failure("sort -o project/ names", 4, "sort: project/: cannot write: …");
+    failure("sort -c -o names names", 2, "sort: --check writes nothing; drop --output");
+    row("wildcard a?b", 0, "a.b\n");
     row("wildcard net? -f - -f names", 0, "net9\nnet1\n"); // CRLF, no last newline
     row("wildcard x* b --json", 1,
         "{'expression':'x.*','found':false,'matches':[],'pattern':'x*'}");
