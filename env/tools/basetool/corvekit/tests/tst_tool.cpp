@@ -157,7 +157,7 @@ void TestTool::run_data()
     // One convention for every command: help, usage, suggestions, --root, --json.
     row("help", 0, "Usage: corvekit [--root DIR] COMMAND …\n  help       …TOOLRTF names the …");
     row("--help", 0, "…\nExit status:\n  0 success; 1 not found or no match; 2 usage error; 3 …");
-    row("help sort", 0, "Usage: corvekit sort [options] [FILE...]\n…");
+    row("help sort", 0, "Usage: corvekit sort [options] [FILE...]\n…\n  FILE  …without one.\n");
     failure("help nope", 2, "unknown command 'nope'; see 'corvekit --help'");
     failure("setings get K", 2, "unknown command 'setings'; did you mean 'settings'?");
     failure("label x --josn", 2, "Unknown option 'josn'; did you mean '--json'?"); // a swap
@@ -181,6 +181,7 @@ void TestTool::run_data()
     failure("sort -c sorted sorted", 1, "sort: sorted:1: disorder: A1");
     failure("sort -o project/ names", 4, "sort: project/: cannot write: …");
     failure("sort -c -o names names", 2, "sort: --check writes nothing; drop --output");
+    failure("sort -y", 2, "Unknown option 'y'."); // one letter is no typo of --by
     row("wildcard a?b", 0, "a.b\n");
     row("wildcard net? -f - -f names", 0, "net9\nnet1\n"); // CRLF, no last newline
     row("wildcard x* b --json", 1,
