@@ -138,7 +138,8 @@ void TestTool::run_data()
     failure("sort /dev/null", 3, "/dev/null: not a regular file");
 
     row("wildcard clk* clk clk_a xclk", 0, "clk.*\nclk\nclk_a\n");
-    failure("wildcard $E a", 1, "wildcard: an empty pattern has no expression");
+    row("wildcard $E a --json", 1, "{'expression':null,'found':false,'matches':[],'pattern':''}",
+        "corvekit: wildcard: an empty pattern has no expression\n");
 
     row("helpindex i --tool Spreadsheet --dialog Options --url \"Write Back\" --json", 0,
         "{'dialog':'Options','found':true,…'query':'url',…'value':'spreadsheet/write_back.htm'}");
@@ -183,6 +184,8 @@ void TestTool::run_data()
     failure("sort -c -o names names", 2, "sort: --check writes nothing; drop --output");
     failure("sort -y", 2, "Unknown option 'y'."); // one letter is no typo of --by
     row("wildcard a?b", 0, "a.b\n");
+    failure("wildcard", 2, "missing argument; see --help");
+    failure("wildcard x -f nope", 3, "nope: no such file");
     row("wildcard net? -f - -f names", 0, "net9\nnet1\n"); // CRLF, no last newline
     row("wildcard x* b --json", 1,
         "{'expression':'x.*','found':false,'matches':[],'pattern':'x*'}");
