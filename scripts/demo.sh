@@ -88,10 +88,11 @@ run wildcard 'u_fifo_*/wr_ptr_reg[?]' 'u_fifo_rx/wr_ptr_reg[3]' 'u_fifo_rx/wr_pt
     'u_fifo_tx/wr_ptr_reg[5]' 'u_fifo_rx/rd_ptr_reg[3]'
 # Help index queries, against the index of the sample installation.
 index=installation/docs/webhelp/eng/helpindex.xml
-run help "$index" --check
-run help "$index" --tool Spreadsheet
-run help "$index" --tool Spreadsheet --view "Port Assignments"
-run help "$index" --tool Spreadsheet --whatsthis "Port Assignments"
-run help "$index" --tool Spreadsheet --dialog Options --text
-run help "$index" --tool Spreadsheet --dialog Options --tooltip "Show Defaults" --json
-run help "$index" --tool "Netlist Analyzer" --dialog Replace
+run helpindex "$index" --check
+run helpindex "$index" --list
+run helpindex "$index" --tool Spreadsheet
+run helpindex "$index" --tool Spreadsheet --view "Port Assignments"
+run helpindex "$index" --tool Spreadsheet --whatsthis "Port Assignments"
+run helpindex "$index" --tool Spreadsheet --dialog Options --text
+run helpindex "$index" --tool Spreadsheet --dialog Options --tooltip "Show Defaults" --json
+run helpindex "$index" --tool "Netlist Analyzer" --dialog Replace

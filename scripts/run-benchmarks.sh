@@ -9,3 +9,5 @@ for program in "$build"/benchmarks/bench_*; do
     "$program" --benchmark_repetitions=${BENCH_REPETITIONS:-5} --benchmark_enable_random_interleaving=true \
         --benchmark_report_aggregates_only=true "${@:2}"
 done
+# The tool, timed from outside against the standard tools it stands beside.
+"$(dirname "$0")/bench-tool.sh" "$build"

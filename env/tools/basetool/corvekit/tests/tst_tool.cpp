@@ -22,6 +22,7 @@ static const Files extras = {
     {"blocked/.setting.ini/keep", ""},
     {"empty/.setting.ini", "[General]\nPRECISION_PATH=\n"},
     {"<", "net10\r\nnet9\r\n\xe9t\xe9\r\nnet1"},
+    {"sorted", "A1\nA2\nA2\n"},
     {"b.xml", "<helpIndex version=\"1.0\">\n<tool name=\"T\">\n<tooltip>a<b/></tooltip>"},
     // An installation with little in it: no companion tools, folders or patch number.
     {"bare/data/zeksys.ini", "[version]\nMajorVersion=1\n"},
@@ -107,7 +108,8 @@ void TestTool::run_data()
     QTest::addColumn<QByteArray>("output"); // then "== FILE" and the text of each file written
     QTest::addColumn<QByteArray>("error");
 
-    row("", 2, "", "Usage: corvekit <command> [options]\n…\nRun 'corvekit <command> --help' …");
+    row("", 2, "",
+        "Usage: corvekit [--root DIR] COMMAND [options] ARGS...\n…\nRun 'corvekit help …");
     failure("frobnicate", 2, "unknown command 'frobnicate'; see …");
     row("filter --help", 0, "Usage: … TYPE [DESCRIPTION]\n…");
     row("settings -h", 0, "Usage: corvekit settings get KEY …");
@@ -163,25 +165,27 @@ void TestTool::run_data()
     failure("settings unset --user K", 1, "'K' is not set at the user level (…)");
     failure("settings unset --user /", 3, "'/' is no settings key");
 
-    row("label Edit_UGroup --json", 0, "{'key':'Edit_UGroup','text':'Edit UGROUP'}");
+    row("label Edit_UGroup --json", 0, "{'found':true,'key':'Edit_UGroup','text':'Edit UGROUP'}");
     failure("label SHOW", 1, "'SHOW' is no label key");
     failure("label", 2, "label: missing KEY; see 'corvekit label --help'");
 
     row("sort", 0, "net1\nnet9\nnet10\n\xe9t\xe9\n"); // CRLF, a byte above 0x7f, no last newline
     row("sort --by pinh --reverse names", 0, "AA1\nB1\nA10\nA007\nA2\nA1C\nA1B\n");
     failure("sort --by namenum names zero", 3, "sort: name 9 holds a zero byte");
-    failure("sort nope", 1, "sort: nope: no such file");
-    failure("sort project", 3, "sort: project: cannot read");
+    failure("sort nope", 3, "nope: no such file");
+    failure("sort /dev/null", 3, "/dev/null: not a regular file");
 
     row("wildcard clk* clk clk_a xclk", 0, "clk.*\nclk\nclk_a\n");
-    failure("wildcard $E a", 1, "wildcard: an empty pattern has no expression");
+    row("wildcard $E a --json", 1, "{'expression':null,'found':false,'matches':[],'pattern':''}",
+        "corvekit: wildcard: an empty pattern has no expression\n");
 
-    row("help i --tool Spreadsheet --dialog Options --url \"Write Back\" --json", 0,
+    row("helpindex i --tool Spreadsheet --dialog Options --url \"Write Back\" --json", 0,
         "{'dialog':'Options','found':true,…'query':'url',…'value':'spreadsheet/write_back.htm'}");
-    row("help i --tool Spreadsheet --tooltip \"Port Assignments\"", 0, "Ports and their pins\n");
-    row("help i --tool \"Reveal Inserter\" --description \"Trigger Signal Setup\"", 0,
+    row("helpindex i --tool Spreadsheet --tooltip \"Port Assignments\"", 0,
+        "Ports and their pins\n");
+    row("helpindex i --tool \"Reveal Inserter\" --description \"Trigger Signal Setup\"", 0,
         "Chooses the signals and the conditions that start a capture.\n");
-    failure("help b.xml --tool X", 3, "b.xml:3:14: Expected character data.");
+    failure("helpindex b.xml --tool X", 3, "b.xml:3:14: Expected character data.");
 
     failure("settings get NO_SUCH_KEY", 1, "'NO_SUCH_KEY' is set at no level");
     row("ENABLE_GUI_PROFILER=1 settings get DEFAULT_DEVICE_FAMILY --project project/", 0,
@@ -251,8 +255,6 @@ void TestTool::run_data()
     row("filter netlist --project bad", 0, "extensions: edf edn\n…",
         "corvekit: warning: project settings file $T/bad/.setting.ini is malformed, lines that are "
         "no settings are skipped\n");
-    failure("filter a b c", 2, "unexpected argument 'c'; see --help");
-    failure("env x", 2, "unexpected argument 'x'; see --help");
     row("SOLVANE_GROUP_SETTING_FILE=$T/team.ini env --json", 0,
         "{'environment':{'FOUNDRY':'…','TOOLRTF':'$T/installation','ZEKPROG_PATH':'$T/installation/"
         "zekprog'},…'settingsFiles':[{'file':'$T/.setting.ini','level':'project'},{'file':'$T/"
@@ -315,6 +317,54 @@ void TestTool::run_data()
         "task…\nMap …\n== t.….json\n[\n{\"name\":\"read traces\",\"ph\":\"X\",…\"name\":\"profile\""
         ",\"ph\":\"X\",…\n]\n",
         "1009993: \ncorvekit profile\n…");
+    // One convention for every command: help, usage, suggestions, --root, --json.
+    row("help", 0, "Usage: corvekit [--root DIR] COMMAND …\n  help       …TOOLRTF names the …");
+    row("--help", 0, "…\nExit status:\n  0 success; 1 not found or no match; 2 usage error; 3 …");
+    row("help sort", 0, "Usage: corvekit sort [options] [FILE...]\n…\n  FILE  …without one.\n");
+    failure("help nope", 2, "unknown command 'nope'; see 'corvekit --help'");
+    failure("setings get K", 2, "unknown command 'setings'; did you mean 'settings'?");
+    failure("label x --josn", 2, "Unknown option 'josn'; did you mean '--json'?"); // a swap
+    failure("--rot $T version", 2, "unknown option '--rot'; did you mean '--root'?");
+    failure("env extra", 2, "unexpected argument 'extra'; see 'corvekit env --help'");
+    failure("filter a b c", 2, "unexpected argument 'c'; see 'corvekit filter --help'");
+    row("TOOLRTF=$T/project --root installation version --pattern major-minor", 0,
+        "version:       2026.2\n…");
+    failure("--root nowhere env", 3, "nowhere: no such installation directory");
+    row("--root project label show_in", 0, "Show in\n",
+        "corvekit: warning: project has no data folder $T/project/data: …\n");
+    // The library's trace goes to standard output when TIVORANDEBUG is empty.
+    row("TIVORANDEBUG= version --json", 0, "{…'version':'2026.2.1.118'…}",
+        "CORVEKIT At …: setenv FOUNDRY=…");
+    row("label SHOW --json", 1, "{'found':false,'key':'SHOW','text':null}");
+
+    row("sort -u -r --by pinh -o names names", 0, "== names\nAA1\nB1\nA10\nA007\nA2\nA1C\n");
+    row("sort -z -r zero", 0, QByteArray("c\n\0a\nb\0", 7));
+    row("sort --check sorted", 0, "");
+    failure("sort -c -u sorted", 1, "sort: sorted:3: disorder: A2");
+    failure("sort -c sorted sorted", 1, "sort: sorted:1: disorder: A1");
+    failure("sort -o project/ names", 4, "sort: project/: cannot write: …");
+    failure("sort -c -o names names", 2, "sort: --check writes nothing; drop --output");
+    failure("sort -y", 2, "Unknown option 'y'."); // one letter is no typo of --by
+    row("wildcard a?b", 0, "a.b\n");
+    failure("wildcard", 2, "missing argument; see --help");
+    failure("wildcard x -f nope", 3, "nope: no such file");
+    row("wildcard net? -f - -f names", 0, "net9\nnet1\n"); // CRLF, no last newline
+    row("wildcard x* b --json", 1,
+        "{'expression':'x.*','found':false,'matches':[],'pattern':'x*'}");
+
+    row("helpindex --list i", 0,
+        "tool\tSpreadsheet\nview\tSpreadsheet\tPort Assignments\n…dialog\tSpreadsheet\tOptions\n"
+        "tool\tNetlist Analyzer\n…tool\tReveal Inserter\n");
+    row("helpindex i --list --json", 0,
+        "{'file':'i','tools':[{'dialogs':[{'href':'spreadsheet/options_dialog.htm','name':'Options'"
+        "}],'href':'spreadsheet/spreadsheet_overview.htm','name':'Spreadsheet','views':[{'href':"
+        "'spreadsheet/port_assignments_view.htm','name':'Port Assignments'},…]},…{'dialogs':[],"
+        "'href':'reveal/reveal_inserter.htm','name':'Reveal Inserter','views':[]}]}");
+    failure("helpindex --list b.xml", 3, "b.xml:3:14: Expected character data.");
+    failure("helpindex --list /dev/null", 3, "/dev/null: not a regular file");
+    row("helpindex i --tool Spreadsheet --json", 0,
+        "{'found':true,'query':'tool','tool':'Spreadsheet','value':'spreadsheet/spreadsheet_"
+        "overview.htm'}");
 }
 
 void TestTool::run()

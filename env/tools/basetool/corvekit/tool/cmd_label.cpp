@@ -14,8 +14,10 @@ int runLabel(const QStringList &arguments)
     QCommandLineParser parser;
     parser.setApplicationDescription(
         QStringLiteral("Prints the text that the suite's views show for a label KEY (matched "
-                       "whole, without regard to case), or the whole table with --list."));
-    const QCommandLineOption jsonOption(QStringLiteral("json"), QStringLiteral("Prints JSON."));
+                       "whole, without regard to case), or the whole table with --list.\n"
+                       "Exit status: 0 found, 1 no such key, 2 usage."));
+    const QCommandLineOption jsonOption(
+        QStringLiteral("json"), QStringLiteral("Prints one JSON document, also on no match."));
     const QCommandLineOption listOption(QStringLiteral("list"),
                                         QStringLiteral("Prints every key with its text."));
     parser.addOptions({jsonOption, listOption});
@@ -48,11 +50,15 @@ int runLabel(const QStringList &arguments)
         return fail(ExitUsage, QStringLiteral("label: missing KEY; see 'corvekit label --help'"));
     const QString &key = positional.first();
     const QString text = commonLabelMapping(key.toUtf8().constData());
+    if (json) {
+        printJson(QJsonObject{{QStringLiteral("found"), !text.isNull()},
+                              {QStringLiteral("key"), key},
+                              {QStringLiteral("text"),
+                               text.isNull() ? QJsonValue(QJsonValue::Null) : QJsonValue(text)}});
+        return text.isNull() ? ExitNotFound : ExitSuccess;
+    }
     if (text.isNull())
         return fail(ExitNotFound, QStringLiteral("'%1' is no label key").arg(key));
-    if (json)
-        printJson(QJsonObject{{QStringLiteral("key"), key}, {QStringLiteral("text"), text}});
-    else
-        printLine(text);
+    printLine(text);
     return ExitSuccess;
 }

@@ -4,34 +4,88 @@
 #include <corvekit/baseqregularexpression.h>
 
 #include <QCommandLineParser>
+#include <QFile>
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QRegularExpression>
+
+namespace {
+
+// Appends the lines of \a path ("-" is standard input) to \a names; LF or CRLF ends a line.
+int readNames(const QString &path, QStringList &names)
+{
+    QFile file;
+    if (path == QLatin1String("-")) {
+        if (!file.open(stdin, QIODevice::ReadOnly))
+            return fail(ExitInvalidInput, QStringLiteral("wildcard: cannot read standard input"));
+    } else {
+        if (int status = checkInputFile(path); status >= 0)
+            return status;
+        file.setFileName(path);
+        if (!file.open(QIODevice::ReadOnly))
+            return fail(ExitInvalidInput, QStringLiteral("wildcard: %1: cannot read").arg(path));
+    }
+    const QString text = QString::fromLocal8Bit(file.readAll());
+    if (text.isEmpty())
+        return -1;
+    QStringList lines = text.split(QLatin1Char('\n'));
+    if (text.endsWith(QLatin1Char('\n')))
+        lines.removeLast();
+    for (QString &line : lines) {
+        if (line.endsWith(QLatin1Char('\r')))
+            line.chop(1);
+    }
+    names += lines;
+    return -1;
+}
+
+} // namespace
 
 int runWildcard(const QStringList &arguments)
 {
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
         "Prints the regular expression of a wildcard pattern ('*' any text, '?' one character, "
-        "everything else literal), then each NAME that the pattern matches as a whole name."));
-    parser.addPositionalArgument(QStringLiteral("pattern"),
+        "everything else literal), then each NAME that the pattern matches as a whole name. With "
+        "--file it reads the names from files instead and prints only those that match, as grep "
+        "does.\n"
+        "Exit status: 0 translated (and, when names were given, at least one matched), 1 an "
+        "empty pattern or no name matched, 2 usage, 3 a file is missing, not a regular file or "
+        "unreadable."));
+    parser.addPositionalArgument(QStringLiteral("PATTERN"),
                                  QStringLiteral("The wildcard pattern."));
-    parser.addPositionalArgument(QStringLiteral("name"), QStringLiteral("Names to match."),
+    parser.addPositionalArgument(QStringLiteral("NAME"), QStringLiteral("Names to match."),
                                  QStringLiteral("[NAME...]"));
-    const QCommandLineOption jsonOption(QStringLiteral("json"), QStringLiteral("Prints JSON."));
-    parser.addOption(jsonOption);
+    const QCommandLineOption jsonOption(
+        QStringLiteral("json"), QStringLiteral("Prints one JSON document, also on no match."));
+    const QCommandLineOption fileOption(
+        {QStringLiteral("f"), QStringLiteral("file")},
+        QStringLiteral("Reads the names to match from FILE, one a line (\"-\" for standard "
+                       "input), and prints only the names that match; may be given more than "
+                       "once."),
+        QStringLiteral("FILE"));
+    parser.addOptions({jsonOption, fileOption});
     if (int status = parseArguments(parser, arguments, 1, -1); status >= 0)
         return status;
 
     QStringList names = parser.positionalArguments();
     const QString pattern = names.takeFirst();
+    const bool fromFiles = parser.isSet(fileOption);
+    if (fromFiles && !names.isEmpty())
+        return fail(ExitUsage, QStringLiteral("wildcard: give NAME arguments or --file, not both"));
+    for (const QString &path : parser.values(fileOption)) {
+        if (int status = readNames(path, names); status >= 0)
+            return status;
+    }
+    const bool json = parser.isSet(jsonOption);
     const QString expression = BaseQRegularExpression::wildcardToRegularExpression(pattern);
 
     // The library's answer for an empty pattern is a null text: there is no expression.
     if (expression.isNull()) {
-        if (parser.isSet(jsonOption)) {
+        if (json) {
             printJson({{QStringLiteral("pattern"), pattern},
                        {QStringLiteral("expression"), QJsonValue(QJsonValue::Null)},
+                       {QStringLiteral("found"), false},
                        {QStringLiteral("matches"), QJsonArray()}});
         }
         return fail(ExitNotFound, QStringLiteral("wildcard: an empty pattern has no expression"));
@@ -46,15 +100,19 @@ int runWildcard(const QStringList &arguments)
         if (whole.match(name).hasMatch())
             matches << name;
     }
+    // As grep: names to look at and none of them matching is a miss.
+    const bool found = !matches.isEmpty() || (names.isEmpty() && !fromFiles);
 
-    if (parser.isSet(jsonOption)) {
+    if (json) {
         printJson({{QStringLiteral("pattern"), pattern},
                    {QStringLiteral("expression"), expression},
+                   {QStringLiteral("found"), found},
                    {QStringLiteral("matches"), QJsonArray::fromStringList(matches)}});
-        return ExitSuccess;
+    } else {
+        if (!fromFiles)
+            printLine(expression);
+        for (const QString &name : std::as_const(matches))
+            printLine(name);
     }
-    printLine(expression);
-    for (const QString &name : std::as_const(matches))
-        printLine(name);
-    return ExitSuccess;
+    return found ? ExitSuccess : ExitNotFound;
 }

@@ -12,8 +12,9 @@ const QList<Command> &commands()
         {"label", "the text shown for a label key, or the whole label table", runLabel},
         {"sort", "sort names or pins in a name or pin order", runSort},
         {"wildcard", "translate a wildcard pattern and match names with it", runWildcard},
-        {"help", "answer a help index query, or check a help index file", runHelp},
+        {"helpindex", "answer a help index query, list or check a help index file", runHelpIndex},
         {"profile", "sum up or merge the profiler's timeline files", runProfile},
+        {"help", "show this help, or the help of one command", runHelp},
     };
     return all;
 }

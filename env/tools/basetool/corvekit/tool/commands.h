@@ -3,6 +3,8 @@
 
 #include <QStringList>
 
+#include <cstdio>
+
 // One subcommand of the tool. `run` gets the arguments from the subcommand's name on and
 // returns the exit status.
 struct Command
@@ -15,8 +17,15 @@ struct Command
 // Every subcommand, in the order `corvekit --help` lists them.
 const QList<Command> &commands();
 
-int runEnv(const QStringList &arguments);
+//! The general help: the commands, the global options, the installation and the exit status.
+void printGeneralHelp(FILE *stream);
+//! `help [COMMAND]`: the general help, or the help of one command.
 int runHelp(const QStringList &arguments);
+//! Reports \a name as no command, with the nearest one when it is close; returns the status.
+int unknownCommand(const QString &name);
+
+int runEnv(const QStringList &arguments);
+int runHelpIndex(const QStringList &arguments);
 int runSettings(const QStringList &arguments);
 int runLabel(const QStringList &arguments);
 

@@ -1,23 +1,131 @@
 #include "toolio.h"
 
+#include "dataoutput_p.h"
+
 #include <QCommandLineParser>
 #include <QDir>
 #include <QFileInfo>
 #include <QJsonDocument>
 
-#include <cstdio>
+#include <algorithm>
+#include <vector>
+
+namespace {
+
+FILE *dataStream = nullptr;
+
+// The command as the usage line names it: "corvekit settings" and "settings" alike.
+QString commandName(const QStringList &arguments)
+{
+    QString name = arguments.value(0);
+    if (name.startsWith(QLatin1String("corvekit ")))
+        name.remove(0, 9);
+    return name;
+}
+
+// Qt's help names the program by its path; the tool's names the command.
+QString helpText(const QCommandLineParser &parser, const QString &command)
+{
+    QString text = parser.helpText();
+    const qsizetype lineEnd = text.indexOf(QLatin1Char('\n'));
+    const qsizetype options = text.indexOf(QLatin1String(" [options]"));
+    if (options >= 0 && options < lineEnd)
+        text.replace(0, options, QStringLiteral("Usage: corvekit ") + command);
+    return text;
+}
+
+// The long options that \a help lists, without their dashes. An option's line starts with its
+// names ("  -h, --help", "  --by <order>"); the description after them may quote other options.
+QStringList longOptions(const QString &help)
+{
+    QStringList names;
+    for (const QString &line : help.split(QLatin1Char('\n'))) {
+        if (!line.startsWith(QLatin1String("  -")))
+            continue;
+        for (QString word : line.split(QLatin1Char(' '), Qt::SkipEmptyParts)) {
+            if (word.startsWith(QLatin1Char('<')))
+                continue;
+            if (!word.startsWith(QLatin1Char('-')))
+                break;
+            if (word.endsWith(QLatin1Char(',')))
+                word.chop(1);
+            if (word.startsWith(QLatin1String("--")))
+                names << word.mid(2);
+        }
+    }
+    return names;
+}
+
+// Optimal string alignment distance: insertions, deletions, substitutions and swaps of two
+// neighbours each cost one.
+qsizetype editDistance(const QString &a, const QString &b)
+{
+    const qsizetype columns = b.size() + 1;
+    std::vector<qsizetype> d(static_cast<std::size_t>((a.size() + 1) * columns));
+    const auto at = [&](qsizetype i, qsizetype j) -> qsizetype & {
+        return d[static_cast<std::size_t>(i * columns + j)];
+    };
+    for (qsizetype i = 0; i <= a.size(); ++i)
+        at(i, 0) = i;
+    for (qsizetype j = 0; j <= b.size(); ++j)
+        at(0, j) = j;
+    for (qsizetype i = 1; i <= a.size(); ++i) {
+        for (qsizetype j = 1; j <= b.size(); ++j) {
+            const qsizetype cost = a[i - 1] == b[j - 1] ? 0 : 1;
+            at(i, j) = std::min({at(i - 1, j) + 1, at(i, j - 1) + 1, at(i - 1, j - 1) + cost});
+            if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1])
+                at(i, j) = std::min(at(i, j), at(i - 2, j - 2) + 1);
+        }
+    }
+    return at(a.size(), b.size());
+}
+
+} // namespace
+
+FILE *dataOutput()
+{
+    return dataStream ? dataStream : stdout;
+}
+
+void keepDataOutputApart()
+{
+    if (!dataStream)
+        dataStream = moveStandardOutputAside();
+}
 
 void printLine(const QString &text)
 {
     const QByteArray bytes = text.toLocal8Bit();
-    std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stdout);
-    std::fputc('\n', stdout);
+    std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), dataOutput());
+    std::fputc('\n', dataOutput());
 }
 
 void printJson(const QJsonObject &object)
 {
     const QByteArray bytes = QJsonDocument(object).toJson(QJsonDocument::Indented);
-    std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stdout);
+    std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), dataOutput());
+}
+
+void warn(const QString &message)
+{
+    std::fprintf(stderr, "corvekit: warning: %s\n", message.toLocal8Bit().constData());
+}
+
+QString nearestName(const QString &word, const QStringList &candidates)
+{
+    // Close means one edit in a short word, two in a longer one: enough for a typo, too few to
+    // turn one word into an unrelated one.
+    const qsizetype allowed = std::clamp<qsizetype>(word.size() / 3, 1, 2);
+    QString nearest;
+    qsizetype best = allowed + 1;
+    for (const QString &candidate : candidates) {
+        const qsizetype distance = editDistance(word.toLower(), candidate.toLower());
+        if (distance < best) {
+            best = distance;
+            nearest = candidate;
+        }
+    }
+    return nearest;
 }
 
 int fail(ExitStatus status, const QString &message)
@@ -35,18 +143,30 @@ int parseArguments(QCommandLineParser &parser, const QStringList &arguments, int
     const QCommandLineOption helpOption({QStringLiteral("h"), QStringLiteral("help")},
                                         QStringLiteral("Shows this help."));
     parser.addOption(helpOption);
-    if (!parser.parse(arguments))
-        return fail(ExitUsage, parser.errorText());
+    const QString command = commandName(arguments);
+    if (!parser.parse(arguments)) {
+        QString error = parser.errorText();
+        const QString unknown = parser.unknownOptionNames().value(0);
+        const QString nearest =
+            unknown.size() > 1 ? nearestName(unknown, longOptions(parser.helpText())) : QString();
+        if (!nearest.isNull()) {
+            if (error.endsWith(QLatin1Char('.')))
+                error.chop(1);
+            error += QStringLiteral("; did you mean '--%1'?").arg(nearest);
+        }
+        return fail(ExitUsage, error);
+    }
     if (parser.isSet(helpOption)) {
-        std::fputs(parser.helpText().toLocal8Bit().constData(), stdout);
+        const QByteArray help = helpText(parser, command).toLocal8Bit();
+        std::fwrite(help.constData(), 1, static_cast<size_t>(help.size()), dataOutput());
         return ExitSuccess;
     }
     const qsizetype count = parser.positionalArguments().size();
     if (count < minPositional)
         return fail(ExitUsage, QStringLiteral("missing argument; see --help"));
     if (maxPositional >= 0 && count > maxPositional)
-        return fail(ExitUsage, QStringLiteral("unexpected argument '%1'; see --help")
-                                   .arg(parser.positionalArguments().at(maxPositional)));
+        return fail(ExitUsage, QStringLiteral("unexpected argument '%1'; see 'corvekit %2 --help'")
+                                   .arg(parser.positionalArguments().at(maxPositional), command));
     return -1;
 }
 

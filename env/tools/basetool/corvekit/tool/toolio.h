@@ -5,6 +5,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <cstdio>
+
 class QCommandLineOption;
 class QCommandLineParser;
 
@@ -18,16 +20,33 @@ enum ExitStatus
     ExitCannotWrite = 4,
 };
 
-// Data goes to standard output; each error is one line on standard error, "corvekit: <text>".
+// Data goes to standard output; each error is one line on standard error, "corvekit: <text>",
+// and each warning one line "corvekit: warning: <text>".
 void printLine(const QString &text);
 void printJson(const QJsonObject &object);
 int fail(ExitStatus status, const QString &message);
+void warn(const QString &message);
+
+//! The stream that the tool's own data goes to: standard output, or its copy after
+//! keepDataOutputApart().
+FILE *dataOutput();
 
 /*!
- * Parses \a arguments (the subcommand's name first) with \a parser, which has --help added.
- * Returns -1 when the caller should go on, else the exit status to return at once: 0 after
- * --help, 2 after a usage error (already reported). \a positional bounds the positional
- * arguments.
+ * Gives the tool's data a private copy of standard output and sends everything else that
+ * writes to standard output (the library's trace, say) to standard error, so that a --json
+ * document stays the only thing on standard output. Call it before anything is written.
+ */
+void keepDataOutputApart();
+
+//! The candidate closest to \a word by edit distance, or a null QString when none is close.
+QString nearestName(const QString &word, const QStringList &candidates);
+
+/*!
+ * Parses \a arguments (the subcommand's name first, with or without "corvekit ") with \a parser,
+ * which has --help added. Returns -1 when the caller should go on, else the exit status to return
+ * at once: 0 after --help, 2 after a usage error (already reported). \a minPositional and
+ * \a maxPositional (-1 for no bound) bound the positional arguments. The help's usage line names
+ * the command, and an unknown option is answered with the nearest valid one.
  */
 int parseArguments(QCommandLineParser &parser, const QStringList &arguments, int minPositional,
                    int maxPositional);
