@@ -236,12 +236,8 @@ int runDoctor(const QStringList &arguments)
         "every settings file, the companion tools, the selected simulator and the help index. "
         "Prints one row a check, ok, warning or error, with what to do. Exit status 0 when no "
         "check is an error, else 1."));
-    const QCommandLineOption jsonOption(
-        QStringLiteral("json"), QStringLiteral("Prints one JSON document instead of text."));
-    const QCommandLineOption projectOption(
-        QStringLiteral("project"),
-        QStringLiteral("Checks the project level in DIR/.setting.ini too (DIR must exist)."),
-        QStringLiteral("DIR"));
+    const QCommandLineOption jsonOption = jsonOutputOption();
+    const QCommandLineOption projectOption = projectDirOption(QStringLiteral("Checks"));
     parser.addOptions({jsonOption, projectOption});
     if (int status = parseArguments(parser, arguments, 0, 0); status >= 0)
         return status;

@@ -42,12 +42,8 @@ int runEnv(const QStringList &arguments)
         QStringLiteral("Sets up the environment as a suite tool does at start-up and shows how "
                        "the installation resolves: the install root, the variables, the fixed "
                        "paths and the settings files of every level, most specific first."));
-    const QCommandLineOption jsonOption(
-        QStringLiteral("json"), QStringLiteral("Prints one JSON document instead of text."));
-    const QCommandLineOption projectOption(
-        QStringLiteral("project"),
-        QStringLiteral("Reads the project level from DIR/.setting.ini (DIR must exist)."),
-        QStringLiteral("DIR"));
+    const QCommandLineOption jsonOption = jsonOutputOption();
+    const QCommandLineOption projectOption = projectDirOption(QStringLiteral("Reads"));
     parser.addOptions({jsonOption, projectOption});
     if (int status = parseArguments(parser, arguments, 0, 0); status >= 0)
         return status;

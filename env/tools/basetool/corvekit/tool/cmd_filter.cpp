@@ -17,12 +17,8 @@ int runFilter(const QStringList &arguments)
     parser.setApplicationDescription(
         QStringLiteral("Prints the extensions of a file type (the setting File_Extension/TYPE) "
                        "and the name filter a file dialog gets for it."));
-    const QCommandLineOption jsonOption(
-        QStringLiteral("json"), QStringLiteral("Prints one JSON document instead of text."));
-    const QCommandLineOption projectOption(
-        QStringLiteral("project"),
-        QStringLiteral("Reads the project level from DIR/.setting.ini (DIR must exist)."),
-        QStringLiteral("DIR"));
+    const QCommandLineOption jsonOption = jsonOutputOption();
+    const QCommandLineOption projectOption = projectDirOption(QStringLiteral("Reads"));
     parser.addOptions({jsonOption, projectOption});
     parser.addPositionalArgument(QStringLiteral("TYPE"), QStringLiteral("The file type."));
     parser.addPositionalArgument(QStringLiteral("DESCRIPTION"),

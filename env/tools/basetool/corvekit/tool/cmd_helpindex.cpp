@@ -97,8 +97,7 @@ int runHelpIndex(const QStringList &arguments)
     const QCommandLineOption listOption(
         QStringLiteral("list"), QStringLiteral("Lists the tools of the file with their views and "
                                                "dialogs, once the whole file is checked."));
-    const QCommandLineOption jsonOption(
-        QStringLiteral("json"), QStringLiteral("Prints one JSON document, also on no match."));
+    const QCommandLineOption jsonOption = jsonOutputOption();
     const QCommandLineOption toolOption(QStringLiteral("tool"),
                                         QStringLiteral("Asks about the tool called T."),
                                         QStringLiteral("T"));

@@ -16,8 +16,7 @@ int runLabel(const QStringList &arguments)
         QStringLiteral("Prints the text that the suite's views show for a label KEY (matched "
                        "whole, without regard to case), or the whole table with --list.\n"
                        "Exit status: 0 found, 1 no such key, 2 usage."));
-    const QCommandLineOption jsonOption(
-        QStringLiteral("json"), QStringLiteral("Prints one JSON document, also on no match."));
+    const QCommandLineOption jsonOption = jsonOutputOption();
     const QCommandLineOption listOption(QStringLiteral("list"),
                                         QStringLiteral("Prints every key with its text."));
     parser.addOptions({jsonOption, listOption});

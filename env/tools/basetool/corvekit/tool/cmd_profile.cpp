@@ -91,7 +91,7 @@ int runSummary(const QStringList &arguments)
         "Sums the runs of each task in profiler timelines: count, total time, self time (the "
         "total less the time of the tasks nested in it) and the longest run, with when it began "
         "after the start of the traces. Tasks come by self time, highest first."));
-    const QCommandLineOption jsonOption(QStringLiteral("json"), QStringLiteral("Prints JSON."));
+    const QCommandLineOption jsonOption = jsonOutputOption();
     parser.addOption(jsonOption);
     parser.addPositionalArgument(QStringLiteral("summary"), QStringLiteral("The action."));
     parser.addPositionalArgument(QStringLiteral("TRACE"), QStringLiteral("Timeline files."),
@@ -135,7 +135,7 @@ int runMerge(const QStringList &arguments)
     const QCommandLineOption outputOption({QStringLiteral("o"), QStringLiteral("output")},
                                           QStringLiteral("The file to write."),
                                           QStringLiteral("FILE"));
-    const QCommandLineOption jsonOption(QStringLiteral("json"), QStringLiteral("Prints JSON."));
+    const QCommandLineOption jsonOption = jsonOutputOption();
     parser.addOptions({outputOption, jsonOption});
     parser.addPositionalArgument(QStringLiteral("merge"), QStringLiteral("The action."));
     parser.addPositionalArgument(QStringLiteral("TRACE"), QStringLiteral("Timeline files."),

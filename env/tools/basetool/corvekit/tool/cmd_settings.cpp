@@ -107,22 +107,6 @@ QString origin(const SettingsLevel &level, bool showScope, bool showOrigin)
     return text;
 }
 
-QCommandLineOption jsonOption()
-{
-    return QCommandLineOption(QStringLiteral("json"),
-                              QStringLiteral("Prints one JSON document, also when nothing is "
-                                             "found."));
-}
-
-QCommandLineOption projectOption(const QString &what)
-{
-    return QCommandLineOption(
-        QStringLiteral("project"),
-        what + QStringLiteral(" the project in this folder (with or without a closing \"/\"), "
-                              "whose \".setting.ini\" is the project level."),
-        QStringLiteral("dir"));
-}
-
 QCommandLineOption showScopeOption()
 {
     return QCommandLineOption(
@@ -153,8 +137,8 @@ int runGet(const QStringList &arguments)
     parser.setApplicationDescription(
         QStringLiteral("Prints the value of KEY as a suite tool's layered lookup finds it: from "
                        "the most specific level that holds it."));
-    const QCommandLineOption json = jsonOption();
-    const QCommandLineOption project = projectOption(QStringLiteral("Reads"));
+    const QCommandLineOption json = jsonOutputOption();
+    const QCommandLineOption project = projectDirOption(QStringLiteral("Reads"));
     const QCommandLineOption typeOption(
         QStringLiteral("type"),
         QStringLiteral("Reads the value as bool, int, string or list, as the library's typed "
@@ -243,8 +227,8 @@ int runList(const QStringList &arguments)
         QStringLiteral("Lists every key of every level, most specific level first, as "
                        "KEY=VALUE. A line starts with \"*\" when its level answers the key's "
                        "lookup, else with a space."));
-    const QCommandLineOption json = jsonOption();
-    const QCommandLineOption project = projectOption(QStringLiteral("Reads"));
+    const QCommandLineOption json = jsonOutputOption();
+    const QCommandLineOption project = projectDirOption(QStringLiteral("Reads"));
     const QCommandLineOption showScope = showScopeOption();
     const QCommandLineOption showOrigin = showOriginOption();
     parser.addOptions({json, project, showScope, showOrigin});
@@ -350,13 +334,13 @@ int runSet(const QStringList &arguments)
         QStringLiteral("Stores KEY with VALUE at the user or the project level; every other line "
                        "of the file stays as it is."));
     const QCommandLineOption user = userLevelOption();
-    const QCommandLineOption project = projectOption(QStringLiteral("Writes"));
+    const QCommandLineOption project = projectDirOption(QStringLiteral("Writes"));
     const QCommandLineOption typeOption(
         QStringLiteral("type"),
         QStringLiteral("Stores VALUE as bool (true/false/1/0), int, string (the default) or list "
                        "(split at commas)."),
         QStringLiteral("type"), QStringLiteral("string"));
-    const QCommandLineOption json = jsonOption();
+    const QCommandLineOption json = jsonOutputOption();
     parser.addOptions({user, project, typeOption, json});
     parser.addPositionalArgument(QStringLiteral("set"), QStringLiteral("The action."));
     parser.addPositionalArgument(QStringLiteral("KEY"), QStringLiteral("The settings key."));
@@ -398,8 +382,8 @@ int runUnset(const QStringList &arguments)
         QStringLiteral("Removes KEY (or the group KEY with all its keys) from the user or the "
                        "project level; every other line of the file stays as it is."));
     const QCommandLineOption user = userLevelOption();
-    const QCommandLineOption project = projectOption(QStringLiteral("Writes"));
-    const QCommandLineOption json = jsonOption();
+    const QCommandLineOption project = projectDirOption(QStringLiteral("Writes"));
+    const QCommandLineOption json = jsonOutputOption();
     parser.addOptions({user, project, json});
     parser.addPositionalArgument(QStringLiteral("unset"), QStringLiteral("The action."));
     parser.addPositionalArgument(QStringLiteral("KEY"), QStringLiteral("The settings key."));

@@ -83,16 +83,12 @@ int runTools(const QStringList &arguments)
         "candidate folder below the install root) and whether its folder exists; the selected "
         "simulator, which only the installation's SIMULATOR_TYPE chooses; and the Synplify "
         "edition switches."));
-    const QCommandLineOption jsonOption(
-        QStringLiteral("json"), QStringLiteral("Prints one JSON document instead of text."));
+    const QCommandLineOption jsonOption = jsonOutputOption();
     const QCommandLineOption defaultsOption(
         QStringLiteral("defaults"),
         QStringLiteral("Asks the system level alone, as the locators do with useDefault, so "
                        "that user and project settings do not count."));
-    const QCommandLineOption projectOption(
-        QStringLiteral("project"),
-        QStringLiteral("Reads the project level from DIR/.setting.ini (DIR must exist)."),
-        QStringLiteral("DIR"));
+    const QCommandLineOption projectOption = projectDirOption(QStringLiteral("Reads"));
     parser.addOptions({jsonOption, defaultsOption, projectOption});
     if (int status = parseArguments(parser, arguments, 0, 0); status >= 0)
         return status;

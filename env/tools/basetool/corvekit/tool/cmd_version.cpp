@@ -33,8 +33,7 @@ int runVersion(const QStringList &arguments)
     parser.setApplicationDescription(
         QStringLiteral("Prints the installed product version (data/zeksys.ini below the install "
                        "root), its patch number and suffix, and when the library was built."));
-    const QCommandLineOption jsonOption(
-        QStringLiteral("json"), QStringLiteral("Prints one JSON document instead of text."));
+    const QCommandLineOption jsonOption = jsonOutputOption();
     const QCommandLineOption groupOption(
         QStringLiteral("group"),
         QStringLiteral("Reads the version of the product group NAME (any case); a group the "

@@ -56,8 +56,7 @@ int runWildcard(const QStringList &arguments)
                                  QStringLiteral("The wildcard pattern."));
     parser.addPositionalArgument(QStringLiteral("NAME"), QStringLiteral("Names to match."),
                                  QStringLiteral("[NAME...]"));
-    const QCommandLineOption jsonOption(
-        QStringLiteral("json"), QStringLiteral("Prints one JSON document, also on no match."));
+    const QCommandLineOption jsonOption = jsonOutputOption();
     const QCommandLineOption fileOption(
         {QStringLiteral("f"), QStringLiteral("file")},
         QStringLiteral("Reads the names to match from FILE, one a line (\"-\" for standard "

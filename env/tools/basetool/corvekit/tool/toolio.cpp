@@ -198,3 +198,19 @@ int projectDirectory(const QCommandLineParser &parser, const QCommandLineOption 
         path = QStringLiteral("/");
     return -1;
 }
+
+QCommandLineOption jsonOutputOption()
+{
+    return QCommandLineOption(QStringLiteral("json"),
+                              QStringLiteral("Prints one JSON document, also when nothing is "
+                                             "found."));
+}
+
+QCommandLineOption projectDirOption(const QString &verb)
+{
+    return QCommandLineOption(
+        QStringLiteral("project"),
+        verb + QStringLiteral(" the project in this folder (with or without a closing \"/\"), "
+                              "whose \".setting.ini\" is the project level; it must exist."),
+        QStringLiteral("DIR"));
+}

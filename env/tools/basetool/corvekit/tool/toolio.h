@@ -51,6 +51,11 @@ QString nearestName(const QString &word, const QStringList &candidates);
 int parseArguments(QCommandLineParser &parser, const QStringList &arguments, int minPositional,
                    int maxPositional);
 
+//! --json, the same for every command: one JSON document on standard output, also on a miss.
+QCommandLineOption jsonOutputOption();
+//! --project DIR; \a verb ("Reads", "Writes", "Checks") begins its description.
+QCommandLineOption projectDirOption(const QString &verb);
+
 /*!
  * Checks that \a path names a regular file this process may read, before anything opens it: a
  * FIFO with no writer would block the open forever. Returns -1 when the caller should go on, else
