@@ -10,11 +10,11 @@
 #include <cstdint>
 #include <cstring>
 
+using basepublic_p::byteClasses;
 using basepublic_p::byteOrder;
 using basepublic_p::isDigit;
 using basepublic_p::mismatch;
-using basepublic_p::numberAt;
-using basepublic_p::wrappingDifference;
+using basepublic_p::Other;
 
 BasePublic &BasePublic::operator=(const BasePublic &)
 {
@@ -36,16 +36,34 @@ std::size_t runStart(const char *name, std::size_t at)
     return at;
 }
 
+/*!
+ * The first index at which \a a and \a b differ or both end. Four bytes a round, each read only
+ * after the one before it was found equal and not the end, so no read passes a zero byte.
+ */
+std::size_t commonPrefix(const char *a, const char *b)
+{
+    const char *p = a;
+    const char *q = b;
+    for (;; p += 4, q += 4) {
+        if (p[0] != q[0] || p[0] == 0)
+            break;
+        if (p[1] != q[1] || p[1] == 0)
+            return static_cast<std::size_t>(p - a) + 1;
+        if (p[2] != q[2] || p[2] == 0)
+            return static_cast<std::size_t>(p - a) + 2;
+        if (p[3] != q[3] || p[3] == 0)
+            return static_cast<std::size_t>(p - a) + 3;
+    }
+    return static_cast<std::size_t>(p - a);
+}
+
 } // namespace
 
-int BasePublic::compareAlphaNum(const char *a, const char *b)
+// Up to first every position of the walk goes on: equal non-digits by definition, and equal digits
+// because their runs are the same bytes up to the same non-digit, or reach the difference. So the
+// walk may begin at the run that reaches it.
+int basepublic_p::alphaNumFromRun(const char *a, const char *b, std::size_t first)
 {
-    // Up to the first difference every position of the walk goes on: equal non-digits by
-    // definition, and equal digits because their runs are the same bytes up to the same
-    // non-digit, or reach the difference. So the walk may begin at the run that reaches it.
-    std::size_t first = 0;
-    while (a[first] == b[first] && a[first] != 0)
-        ++first;
     if (a[first] == b[first])
         return 0; // identical names
     std::size_t i = runStart(a, first);
@@ -66,6 +84,19 @@ int BasePublic::compareAlphaNum(const char *a, const char *b)
     }
     // The walk has reached the end of a name: the lengths decide.
     return static_cast<int>(std::strlen(a)) - static_cast<int>(std::strlen(b));
+}
+
+int BasePublic::compareAlphaNum(const char *a, const char *b)
+{
+    const std::size_t first = commonPrefix(a, b);
+    const auto x = static_cast<unsigned char>(a[first]);
+    // Read as unsigned bytes, which keeps the loop comparing the second name's bytes in memory.
+    const unsigned char y = reinterpret_cast<const unsigned char *>(b)[first];
+    // Two different non-digits: any run before them ended on the same byte in both names, so the
+    // walk passes it with equal values and stops here.
+    if ((byteClasses.of[x] & byteClasses.of[y]) == Other)
+        return x < y ? -1 : 1;
+    return basepublic_p::alphaNumFromRun(a, b, first);
 }
 
 namespace {
