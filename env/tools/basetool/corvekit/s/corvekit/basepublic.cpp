@@ -37,14 +37,14 @@ std::size_t runStart(const char *name, std::size_t at)
 }
 
 /*!
- * The first index at which \a a and \a b differ or both end. Four bytes a round, each read only
+ * The first index at which \a a and \a b differ or both end. Eight bytes a round, each read only
  * after the one before it was found equal and not the end, so no read passes a zero byte.
  */
 std::size_t commonPrefix(const char *a, const char *b)
 {
     const char *p = a;
     const char *q = b;
-    for (;; p += 4, q += 4) {
+    for (;; p += 8, q += 8) {
         if (p[0] != q[0] || p[0] == 0)
             break;
         if (p[1] != q[1] || p[1] == 0)
@@ -53,6 +53,14 @@ std::size_t commonPrefix(const char *a, const char *b)
             return static_cast<std::size_t>(p - a) + 2;
         if (p[3] != q[3] || p[3] == 0)
             return static_cast<std::size_t>(p - a) + 3;
+        if (p[4] != q[4] || p[4] == 0)
+            return static_cast<std::size_t>(p - a) + 4;
+        if (p[5] != q[5] || p[5] == 0)
+            return static_cast<std::size_t>(p - a) + 5;
+        if (p[6] != q[6] || p[6] == 0)
+            return static_cast<std::size_t>(p - a) + 6;
+        if (p[7] != q[7] || p[7] == 0)
+            return static_cast<std::size_t>(p - a) + 7;
     }
     return static_cast<std::size_t>(p - a);
 }

@@ -36,7 +36,7 @@ inline std::size_t letterLength(const char *name, std::size_t from)
 
 /*!
  * The walk of comparePinH: the first index at which \a a and \a b differ or hold a digit or their
- * end. Four bytes a round, as the common prefix of compareAlphaNum.
+ * end. Four bytes a round, each read only after the one before it was found equal and a letter.
  */
 std::size_t letterWalk(const char *a, const char *b)
 {
