@@ -14,7 +14,9 @@ using basepublic_p::byteClasses;
 using basepublic_p::byteOrder;
 using basepublic_p::isDigit;
 using basepublic_p::mismatch;
+using basepublic_p::numberAt;
 using basepublic_p::Other;
+using basepublic_p::wrappingDifference;
 
 BasePublic &BasePublic::operator=(const BasePublic &)
 {
@@ -65,33 +67,45 @@ std::size_t commonPrefix(const char *a, const char *b)
     return static_cast<std::size_t>(p - a);
 }
 
+// The walk of compareAlphaNum from \a i on, for names that first differ at \a first.
+int alphaNumWalk(const char *a, const char *b, std::size_t i, std::size_t first)
+{
+    for (; a[i] != 0 && b[i] != 0; ++i) {
+        const bool digit = isDigit(a[i]);
+        if (a[i] == b[i] && !digit)
+            continue;
+        if (!digit || !isDigit(b[i]))
+            return byteOrder(a[first], b[first]); // the whole names first differ there
+        const int valueA = numberAt(a + i);
+        const int valueB = numberAt(b + i);
+        if (valueA != valueB)
+            return wrappingDifference(valueA, valueB);
+    }
+    // The walk has reached the end of a name: the lengths decide.
+    return static_cast<int>(std::strlen(a)) - static_cast<int>(std::strlen(b));
+}
+
 } // namespace
 
 // Up to first every position of the walk goes on: equal non-digits by definition, and equal digits
 // because their runs are the same bytes up to the same non-digit, or reach the difference. So the
-// walk may begin at the run that reaches it.
+// walk may begin at the run that reaches it, and the numbers there mostly decide.
 int basepublic_p::alphaNumFromRun(const char *a, const char *b, std::size_t first)
 {
     if (a[first] == b[first])
         return 0; // identical names
-    std::size_t i = runStart(a, first);
-    if (isDigit(a[i]) && isDigit(b[i])) {
-        for (; a[i] != 0 && b[i] != 0; ++i) {
-            const bool digit = isDigit(a[i]);
-            if (a[i] == b[i] && !digit)
-                continue;
-            if (!digit || !isDigit(b[i]))
-                return byteOrder(a[first], b[first]); // the whole names first differ there
-            const int valueA = numberAt(a + i);
-            const int valueB = numberAt(b + i);
-            if (valueA != valueB)
-                return wrappingDifference(valueA, valueB);
-        }
-    } else if (a[first] != 0 && b[first] != 0) {
-        return byteOrder(a[first], b[first]);
+    const std::size_t i = runStart(a, first);
+    if (!isDigit(a[i]) || !isDigit(b[i])) {
+        // No run reaches the difference in both names: it decides, or the end of a name there.
+        if (a[first] != 0 && b[first] != 0)
+            return byteOrder(a[first], b[first]);
+        return alphaNumWalk(a, b, first, first);
     }
-    // The walk has reached the end of a name: the lengths decide.
-    return static_cast<int>(std::strlen(a)) - static_cast<int>(std::strlen(b));
+    const int valueA = numberAt(a + i);
+    const int valueB = numberAt(b + i);
+    if (valueA != valueB)
+        return wrappingDifference(valueA, valueB);
+    return alphaNumWalk(a, b, i + 1, first);
 }
 
 int BasePublic::compareAlphaNum(const char *a, const char *b)
