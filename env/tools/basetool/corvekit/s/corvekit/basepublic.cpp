@@ -10,10 +10,12 @@
 #include <cstdint>
 #include <cstring>
 
+using basepublic_p::byteClasses;
 using basepublic_p::byteOrder;
 using basepublic_p::isDigit;
 using basepublic_p::mismatch;
 using basepublic_p::numberAt;
+using basepublic_p::Other;
 using basepublic_p::wrappingDifference;
 
 BasePublic &BasePublic::operator=(const BasePublic &)
@@ -36,36 +38,87 @@ std::size_t runStart(const char *name, std::size_t at)
     return at;
 }
 
-} // namespace
-
-int BasePublic::compareAlphaNum(const char *a, const char *b)
+/*!
+ * The first index at which \a a and \a b differ or both end. Eight bytes a round, each read only
+ * after the one before it was found equal and not the end, so no read passes a zero byte.
+ */
+std::size_t commonPrefix(const char *a, const char *b)
 {
-    // Up to the first difference every position of the walk goes on: equal non-digits by
-    // definition, and equal digits because their runs are the same bytes up to the same
-    // non-digit, or reach the difference. So the walk may begin at the run that reaches it.
-    std::size_t first = 0;
-    while (a[first] == b[first] && a[first] != 0)
-        ++first;
-    if (a[first] == b[first])
-        return 0; // identical names
-    std::size_t i = runStart(a, first);
-    if (isDigit(a[i]) && isDigit(b[i])) {
-        for (; a[i] != 0 && b[i] != 0; ++i) {
-            const bool digit = isDigit(a[i]);
-            if (a[i] == b[i] && !digit)
-                continue;
-            if (!digit || !isDigit(b[i]))
-                return byteOrder(a[first], b[first]); // the whole names first differ there
-            const int valueA = numberAt(a + i);
-            const int valueB = numberAt(b + i);
-            if (valueA != valueB)
-                return wrappingDifference(valueA, valueB);
-        }
-    } else if (a[first] != 0 && b[first] != 0) {
-        return byteOrder(a[first], b[first]);
+    const char *p = a;
+    const char *q = b;
+    for (;; p += 8, q += 8) {
+        if (p[0] != q[0] || p[0] == 0)
+            break;
+        if (p[1] != q[1] || p[1] == 0)
+            return static_cast<std::size_t>(p - a) + 1;
+        if (p[2] != q[2] || p[2] == 0)
+            return static_cast<std::size_t>(p - a) + 2;
+        if (p[3] != q[3] || p[3] == 0)
+            return static_cast<std::size_t>(p - a) + 3;
+        if (p[4] != q[4] || p[4] == 0)
+            return static_cast<std::size_t>(p - a) + 4;
+        if (p[5] != q[5] || p[5] == 0)
+            return static_cast<std::size_t>(p - a) + 5;
+        if (p[6] != q[6] || p[6] == 0)
+            return static_cast<std::size_t>(p - a) + 6;
+        if (p[7] != q[7] || p[7] == 0)
+            return static_cast<std::size_t>(p - a) + 7;
+    }
+    return static_cast<std::size_t>(p - a);
+}
+
+// The walk of compareAlphaNum from \a i on, for names that first differ at \a first.
+int alphaNumWalk(const char *a, const char *b, std::size_t i, std::size_t first)
+{
+    for (; a[i] != 0 && b[i] != 0; ++i) {
+        const bool digit = isDigit(a[i]);
+        if (a[i] == b[i] && !digit)
+            continue;
+        if (!digit || !isDigit(b[i]))
+            return byteOrder(a[first], b[first]); // the whole names first differ there
+        const int valueA = numberAt(a + i);
+        const int valueB = numberAt(b + i);
+        if (valueA != valueB)
+            return wrappingDifference(valueA, valueB);
     }
     // The walk has reached the end of a name: the lengths decide.
     return static_cast<int>(std::strlen(a)) - static_cast<int>(std::strlen(b));
+}
+
+} // namespace
+
+// Up to first every position of the walk goes on: equal non-digits by definition, and equal digits
+// because their runs are the same bytes up to the same non-digit, or reach the difference. So the
+// walk may begin at the run that reaches it, and the numbers there mostly decide.
+int basepublic_p::alphaNumFromRun(const char *a, const char *b, std::size_t first)
+{
+    if (a[first] == b[first])
+        return 0; // identical names
+    const std::size_t i = runStart(a, first);
+    if (!isDigit(a[i]) || !isDigit(b[i])) {
+        // No run reaches the difference in both names: it decides, or the end of a name there.
+        if (a[first] != 0 && b[first] != 0)
+            return byteOrder(a[first], b[first]);
+        return alphaNumWalk(a, b, first, first);
+    }
+    const int valueA = numberAt(a + i);
+    const int valueB = numberAt(b + i);
+    if (valueA != valueB)
+        return wrappingDifference(valueA, valueB);
+    return alphaNumWalk(a, b, i + 1, first);
+}
+
+int BasePublic::compareAlphaNum(const char *a, const char *b)
+{
+    const std::size_t first = commonPrefix(a, b);
+    const auto x = static_cast<unsigned char>(a[first]);
+    // Read as unsigned bytes, which keeps the loop comparing the second name's bytes in memory.
+    const unsigned char y = reinterpret_cast<const unsigned char *>(b)[first];
+    // Two different non-digits: any run before them ended on the same byte in both names, so the
+    // walk passes it with equal values and stops here.
+    if ((byteClasses.of[x] & byteClasses.of[y]) == Other)
+        return x < y ? -1 : 1;
+    return basepublic_p::alphaNumFromRun(a, b, first);
 }
 
 namespace {

@@ -5,17 +5,20 @@
 #include <cstddef>
 #include <cstring>
 
-using basepublic_p::byteOrder;
-using basepublic_p::isDigit;
-using basepublic_p::mismatch;
+using basepublic_p::ByteClass;
+using basepublic_p::byteClasses;
+using basepublic_p::classOf;
+using basepublic_p::Digit;
+using basepublic_p::End;
 using basepublic_p::numberAt;
+using basepublic_p::Other;
 using basepublic_p::wrappingDifference;
 
 namespace {
 
 // Pin names are decided within their first bytes, which are read one at a time; the C library
-// scans the names that go on past them for their first digit.
-constexpr std::size_t shortStretch = 3;
+// scans the letter parts that go on past them for their first digit.
+constexpr std::size_t pinStretch = 3;
 constexpr const char *digits = "0123456789";
 
 /*!
@@ -24,21 +27,40 @@ constexpr const char *digits = "0123456789";
  */
 inline std::size_t letterLength(const char *name, std::size_t from)
 {
-    for (const std::size_t stop = from + shortStretch; from < stop; ++from) {
-        if (name[from] == 0 || isDigit(name[from]))
+    for (; from < pinStretch; ++from) {
+        if (classOf(name[from]) != Other)
             return from;
     }
     return from + std::strcspn(name + from, digits);
 }
 
 /*!
- * comparePinH where the walk stops at two different non-digits, at \a i, one of which may be the
- * end of its name; \a lettersA and \a lettersB are the letter parts' lengths. These decide, or
- * the numbers' absence.
+ * The walk of comparePinH: the first index at which \a a and \a b differ or hold a digit or their
+ * end. Four bytes a round, each read only after the one before it was found equal and a letter.
  */
-inline int orderOfLetters(const char *a, const char *b, std::size_t i, std::size_t lettersA,
-                          std::size_t lettersB)
+std::size_t letterWalk(const char *a, const char *b)
 {
+    const char *p = a;
+    const char *q = b;
+    for (;; p += 4, q += 4) {
+        if (p[0] != q[0] || classOf(p[0]) != Other)
+            break;
+        if (p[1] != q[1] || classOf(p[1]) != Other)
+            return static_cast<std::size_t>(p - a) + 1;
+        if (p[2] != q[2] || classOf(p[2]) != Other)
+            return static_cast<std::size_t>(p - a) + 2;
+        if (p[3] != q[3] || classOf(p[3]) != Other)
+            return static_cast<std::size_t>(p - a) + 3;
+    }
+    return static_cast<std::size_t>(p - a);
+}
+
+} // namespace
+
+int basepublic_p::orderOfLetters(const char *a, const char *b, std::size_t i)
+{
+    const std::size_t lettersA = letterLength(a, i);
+    const std::size_t lettersB = letterLength(b, i);
     const bool hasA = a[lettersA] != 0;
     const bool hasB = b[lettersB] != 0;
     if (!hasA && !hasB)
@@ -52,31 +74,20 @@ inline int orderOfLetters(const char *a, const char *b, std::size_t i, std::size
     return std::strncmp(a + i, b + i, lettersA - i);
 }
 
-} // namespace
-
 int BasePublic::comparePinH(const char *a, const char *b)
 {
     // The walk passes equal non-digits, so it stops within the shorter letter part or at its end.
-    std::size_t i = 0;
-    while (i < shortStretch && a[i] == b[i] && a[i] != 0 && !isDigit(a[i]))
-        ++i;
-    if (i == shortStretch) {
-        // A long stretch, such as the path of two nets in one block.
-        const std::size_t lettersA = i + std::strcspn(a + i, digits);
-        const std::size_t lettersB = i + std::strcspn(b + i, digits);
-        i += mismatch(a + i, b + i, (lettersA < lettersB ? lettersA : lettersB) - i);
-        if (a[i] != b[i] && !isDigit(a[i]) && !isDigit(b[i]))
-            return orderOfLetters(a, b, i, lettersA, lettersB);
-    }
-    const bool digitA = isDigit(a[i]);
-    const bool digitB = isDigit(b[i]);
-    if (digitA && digitB)
-        return wrappingDifference(numberAt(a + i), numberAt(b + i));
-    if (a[i] == b[i])
+    const std::size_t i = letterWalk(a, b);
+    const ByteClass x = classOf(a[i]);
+    // Read as an unsigned byte, which keeps the walk comparing the second name's bytes in memory.
+    const ByteClass y = byteClasses.of[reinterpret_cast<const unsigned char *>(b)[i]];
+    if ((x | y) == End)
         return 0; // both names end here
-    if (digitA || digitB)
-        return digitA ? -1 : 1;
-    return orderOfLetters(a, b, i, letterLength(a, i), letterLength(b, i));
+    if (((x | y) & Digit) == 0)
+        return basepublic_p::orderOfLetters(a, b, i);
+    if ((x & y) == Digit)
+        return wrappingDifference(numberAt(a + i), numberAt(b + i));
+    return x == Digit ? -1 : 1;
 }
 
 int BasePublic::comparePinV(const char *a, const char *b)
