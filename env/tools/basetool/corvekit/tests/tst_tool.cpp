@@ -113,6 +113,7 @@ void TestTool::run_data()
     failure("frobnicate", 2, "unknown command 'frobnicate'; see …");
     row("filter --help", 0, "Usage: … TYPE [DESCRIPTION]\n…");
     row("settings -h", 0, "Usage: corvekit settings get KEY …");
+    row("settings unset --help", 0, "Usage: corvekit settings unset [options] KEY\n…");
     row("env --project project", 0,
         "installRoot:   $T/installation\nTOOLRTF:       $T/installation\n…\nsettings files:\n"
         "  project:     $T/project/.setting.ini\n…");

@@ -23,14 +23,24 @@ QString commandName(const QStringList &arguments)
     return name;
 }
 
-// Qt's help names the program by its path; the tool's names the command.
-QString helpText(const QCommandLineParser &parser, const QString &command)
+// Qt's help names the program by its path; the tool's names the command, and the action of a
+// command that has actions ("settings get") before the options, as it is typed.
+QString helpText(const QCommandLineParser &parser, const QString &command, const QString &action)
 {
     QString text = parser.helpText();
     const qsizetype lineEnd = text.indexOf(QLatin1Char('\n'));
     const qsizetype options = text.indexOf(QLatin1String(" [options]"));
-    if (options >= 0 && options < lineEnd)
-        text.replace(0, options, QStringLiteral("Usage: corvekit ") + command);
+    if (options < 0 || options > lineEnd)
+        return text;
+    QString usage = QStringLiteral("Usage: corvekit ") + command;
+    const QString actionFirst = QStringLiteral(" [options] ") + action;
+    if (!action.isEmpty() && text.mid(options, actionFirst.size()) == actionFirst &&
+        (options + actionFirst.size() == lineEnd ||
+         text.at(options + actionFirst.size()) == QLatin1Char(' '))) {
+        usage += QLatin1Char(' ') + action + QStringLiteral(" [options]");
+        text.remove(options, actionFirst.size());
+    }
+    text.replace(0, options, usage);
     return text;
 }
 
@@ -157,7 +167,7 @@ int parseArguments(QCommandLineParser &parser, const QStringList &arguments, int
         return fail(ExitUsage, error);
     }
     if (parser.isSet(helpOption)) {
-        const QByteArray help = helpText(parser, command).toLocal8Bit();
+        const QByteArray help = helpText(parser, command, arguments.value(1)).toLocal8Bit();
         std::fwrite(help.constData(), 1, static_cast<size_t>(help.size()), dataOutput());
         return ExitSuccess;
     }
