@@ -5,7 +5,6 @@
 
 #include <QByteArray>
 #include <QCommandLineParser>
-#include <QFile>
 #include <QSaveFile>
 
 #include <algorithm>
@@ -52,23 +51,6 @@ void appendNames(const QByteArray &text, char end, std::vector<QByteArray> &name
         names.push_back(name);
         start = stop + 1;
     }
-}
-
-int readInput(const QString &path, QByteArray &text)
-{
-    QFile file;
-    if (path == QLatin1String("-")) {
-        if (!file.open(stdin, QIODevice::ReadOnly))
-            return fail(ExitInvalidInput, QStringLiteral("sort: cannot read standard input"));
-    } else {
-        if (int status = checkInputFile(path); status >= 0)
-            return status;
-        file.setFileName(path);
-        if (!file.open(QIODevice::ReadOnly))
-            return fail(ExitInvalidInput, QStringLiteral("sort: %1: cannot read").arg(path));
-    }
-    text = file.readAll();
-    return -1;
 }
 
 // "sort -c": the first name out of order, with the input and the line where it stands.
@@ -177,7 +159,7 @@ int runSort(const QStringList &arguments)
     std::vector<Input> inputs;
     for (const QString &path : std::as_const(files)) {
         QByteArray text;
-        if (int status = readInput(path, text); status >= 0)
+        if (int status = readInputFile(path, text); status >= 0)
             return status;
         inputs.push_back({path, names.size()});
         appendNames(text, end, names);

@@ -4,7 +4,6 @@
 #include <corvekit/baseqregularexpression.h>
 
 #include <QCommandLineParser>
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QRegularExpression>
@@ -14,18 +13,10 @@ namespace {
 // Appends the lines of \a path ("-" is standard input) to \a names; LF or CRLF ends a line.
 int readNames(const QString &path, QStringList &names)
 {
-    QFile file;
-    if (path == QLatin1String("-")) {
-        if (!file.open(stdin, QIODevice::ReadOnly))
-            return fail(ExitInvalidInput, QStringLiteral("wildcard: cannot read standard input"));
-    } else {
-        if (int status = checkInputFile(path); status >= 0)
-            return status;
-        file.setFileName(path);
-        if (!file.open(QIODevice::ReadOnly))
-            return fail(ExitInvalidInput, QStringLiteral("wildcard: %1: cannot read").arg(path));
-    }
-    const QString text = QString::fromLocal8Bit(file.readAll());
+    QByteArray bytes;
+    if (int status = readInputFile(path, bytes); status >= 0)
+        return status;
+    const QString text = QString::fromLocal8Bit(bytes);
     if (text.isEmpty())
         return -1;
     QStringList lines = text.split(QLatin1Char('\n'));

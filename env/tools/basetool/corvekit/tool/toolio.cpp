@@ -4,6 +4,7 @@
 
 #include <QCommandLineParser>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
 
@@ -191,6 +192,23 @@ int checkInputFile(const QString &path)
         return fail(ExitInvalidInput, QStringLiteral("%1: not a regular file").arg(path));
     if (!info.isReadable())
         return fail(ExitInvalidInput, QStringLiteral("%1: cannot read").arg(path));
+    return -1;
+}
+
+int readInputFile(const QString &path, QByteArray &contents)
+{
+    QFile file;
+    if (path == QLatin1String("-")) {
+        if (!file.open(stdin, QIODevice::ReadOnly))
+            return fail(ExitInvalidInput, QStringLiteral("cannot read standard input"));
+    } else {
+        if (int status = checkInputFile(path); status >= 0)
+            return status;
+        file.setFileName(path);
+        if (!file.open(QIODevice::ReadOnly))
+            return fail(ExitInvalidInput, QStringLiteral("%1: cannot read").arg(path));
+    }
+    contents = file.readAll();
     return -1;
 }
 

@@ -65,6 +65,13 @@ QCommandLineOption projectDirOption(const QString &verb);
 int checkInputFile(const QString &path);
 
 /*!
+ * Reads the whole of \a path into \a contents, "-" being standard input; other paths pass
+ * checkInputFile() first. Returns -1 when the caller should go on, else ExitInvalidInput
+ * (reported).
+ */
+int readInputFile(const QString &path, QByteArray &contents);
+
+/*!
  * The project path behind \a option: empty when the option is not given, else the directory it
  * names with exactly one trailing "/", as the library appends the project file's name to it.
  * Returns -1 when the caller should go on, else ExitInvalidInput for a directory that does not
