@@ -50,10 +50,13 @@ run() {
     env "${assignments[@]}" corvekit "$@" 2>&1 || echo "(exit status $?)"
 }
 
+run doctor --project project
 run env --project project/
 run settings get DEFAULT_DEVICE_FAMILY --project project/
-run settings get MESSAGE_LIMIT --project project/
+run settings get MESSAGE_LIMIT --project project --show-scope --show-origin
+run settings get MESSAGE_LIMIT --project project --all --show-scope
 run settings get SIMULATOR_TYPE --project project/ --json
+run settings list --project project --show-scope
 
 # Label keys and their display texts.
 run label SHOW_IN
@@ -79,6 +82,10 @@ run filter netlist "Netlists" --project project/
 # The tool profiles itself: with ENABLE_GUI_PROFILER=1 the profile report of the subcommand and
 # its steps follows on standard error.
 run ENABLE_GUI_PROFILER=1 settings get DEFAULT_DEVICE_FAMILY --project project/
+# With GUI_PROFILER_TRACE as well, the runs go to a timeline file (the process id before its
+# extension) that profile summary sums up and a browser's trace viewer draws.
+run ENABLE_GUI_PROFILER=1 GUI_PROFILER_TRACE=timeline.json settings list --project project/
+run profile summary timeline.*.json
 # Names and pins: a BGA pin list row by row and column by column, net names in natural order,
 # and a wildcard pattern with the names it matches as whole names.
 run sort --by pinh project/bga-pins.txt
