@@ -88,6 +88,7 @@ private slots:
     void steps();
     void stamp_data();
     void stamp();
+    void ownStamp();
 };
 
 void TestInstallation::steps_data()
@@ -197,6 +198,13 @@ void TestInstallation::stamp()
     QCOMPARE(corvekit::detail::parseStampDate(text.toUtf8(), separator).toString(Qt::ISODate) +
                  corvekit::detail::parseStampTime(text.toUtf8(), separator).toString(Qt::ISODate),
              expected);
+}
+
+// The library's own stamp, whenever it was built, parses.
+void TestInstallation::ownStamp()
+{
+    QVERIFY(BaseSystem::getCompilationDate().isValid());
+    QVERIFY(BaseSystem::getCompilationTime().isValid());
 }
 
 CORVEKIT_TEST_MAIN_WITH_SCENARIOS(TestInstallation, scenarios)
