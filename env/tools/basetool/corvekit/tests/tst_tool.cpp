@@ -152,6 +152,7 @@ void TestTool::run_data()
         "settings.\n[General]\nMESSAGE_LIMIT=2000\nEDITOR_FONT_SIZE=11\n"
         "ACTIVEHDL_PATH=/home/demo/tools/active-hdl\nK=true\n");
     failure("settings set --user --type bool K maybe", 3, "'maybe' is no bool");
+    row("settings set --user --type bool K 0", 0, "user\t…\n== home/…\nK=false\n");
     failure("settings set --user --type int -- K -12x", 3, "'-12x' is no int");
     failure("settings set --user K", 2, "missing argument; see --help");
     row("settings set --project bad2 K 1", 3, "",
