@@ -188,6 +188,9 @@ void TestTool::run_data()
     row("helpindex i --tool \"Reveal Inserter\" --description \"Trigger Signal Setup\"", 0,
         "Chooses the signals and the conditions that start a capture.\n");
     failure("helpindex b.xml --tool X", 3, "b.xml:3:14: Expected character data.");
+    failure("helpindex i --tool Spreadsheet --view Nope", 1, "i: no match");
+    row("doctor --project bad", 1, "…error   project settings   $T/bad/.setting.ini is malformed…",
+        "…");
 
     failure("settings get NO_SUCH_KEY", 1, "'NO_SUCH_KEY' is set at no level");
     row("ENABLE_GUI_PROFILER=1 settings get DEFAULT_DEVICE_FAMILY --project project/", 0,
