@@ -118,6 +118,32 @@ double threadCpuSeconds()
     return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
 }
 
+// Runs \a first and \a second in alternating blocks of calls, each going first in turn so that
+// neither always meets a warm cache, and adds the thread CPU time of each side's blocks to its
+// sum. Returns the number of calls each side made.
+template<typename First, typename Second>
+double alternateBlocks(benchmark::State &state, First first, Second second, double &firstSeconds,
+                       double &secondSeconds)
+{
+    constexpr int block = 64;
+    bool firstFirst = true;
+    for (auto _ : state) {
+        for (int side = 0; side < 2; ++side) {
+            const bool measuringFirst = (side == 0) == firstFirst;
+            const double start = threadCpuSeconds();
+            for (int i = 0; i < block; ++i) {
+                if (measuringFirst)
+                    first();
+                else
+                    second();
+            }
+            (measuringFirst ? firstSeconds : secondSeconds) += threadCpuSeconds() - start;
+        }
+        firstFirst = !firstFirst;
+    }
+    return static_cast<double>(state.iterations()) * block;
+}
+
 // The same comparison in alternating blocks, so that the load of a shared machine weighs on
 // both sides alike: counters give each side's CPU time per pair and their ratio.
 void BM_PairAgainstProbes(benchmark::State &state)
@@ -144,26 +170,10 @@ void BM_PairAgainstProbes(benchmark::State &state)
         if (++next == names.size())
             next = 0;
     };
-    constexpr int block = 64;
     double probeSeconds = 0;
     double pairSeconds = 0;
-    bool probesFirst = true;
-    for (auto _ : state) {
-        for (int side = 0; side < 2; ++side) {
-            const bool measuringProbes = (side == 0) == probesFirst;
-            const double start = threadCpuSeconds();
-            for (int i = 0; i < block; ++i) {
-                if (measuringProbes)
-                    probes();
-                else
-                    pair();
-            }
-            (measuringProbes ? probeSeconds : pairSeconds) += threadCpuSeconds() - start;
-        }
-        probesFirst = !probesFirst;
-    }
+    const double pairs = alternateBlocks(state, probes, pair, probeSeconds, pairSeconds);
     benchmark::DoNotOptimize(sink);
-    const double pairs = static_cast<double>(state.iterations()) * block;
     state.counters["probes_ns"] = probeSeconds / pairs * 1e9;
     state.counters["pair_ns"] = pairSeconds / pairs * 1e9;
     state.counters["ratio"] = pairSeconds / probeSeconds;
@@ -194,22 +204,10 @@ void BM_PairWithTimeline(benchmark::State &state)
         if (++next == names.size())
             next = 0;
     };
-    constexpr int block = 64;
     double plainSeconds = 0;
     double tracedSeconds = 0;
-    bool plainFirst = true;
-    for (auto _ : state) {
-        for (int side = 0; side < 2; ++side) {
-            const bool measuringPlain = (side == 0) == plainFirst;
-            Profiler &profiler = measuringPlain ? plain : traced;
-            const double start = threadCpuSeconds();
-            for (int i = 0; i < block; ++i)
-                pair(profiler);
-            (measuringPlain ? plainSeconds : tracedSeconds) += threadCpuSeconds() - start;
-        }
-        plainFirst = !plainFirst;
-    }
-    const double pairs = static_cast<double>(state.iterations()) * block;
+    const double pairs = alternateBlocks(
+        state, [&] { pair(plain); }, [&] { pair(traced); }, plainSeconds, tracedSeconds);
     state.counters["plain_ns"] = plainSeconds / pairs * 1e9;
     state.counters["traced_ns"] = tracedSeconds / pairs * 1e9;
     state.counters["added_ns"] = (tracedSeconds - plainSeconds) / pairs * 1e9;
