@@ -123,6 +123,13 @@ int BasePublic::compareAlphaNum(const char *a, const char *b)
 
 namespace {
 
+// -1, 0 or 1 as \a x is less than, equal to or greater than \a y, without a branch.
+template<typename T>
+int order(T x, T y)
+{
+    return (x > y) - (x < y);
+}
+
 // An encoding longer than this does not fit the 2048-byte comparison buffer with its zero byte.
 constexpr std::size_t maxEncodedLength = 2046;
 // The longest encoding of n bytes alternates one-digit runs and other bytes: 5 * ceil(n / 2) +
@@ -206,13 +213,6 @@ int compareEncodings(const char *a, const char *b)
     return lengthA == lengthB ? 0 : (lengthA < lengthB ? 1 : -1);
 }
 
-// The length of \a name, or alwaysFits + 1 where it is longer than that.
-std::size_t boundedLength(const char *name)
-{
-    const void *end = std::memchr(name, 0, alwaysFits + 1);
-    return end ? static_cast<std::size_t>(static_cast<const char *>(end) - name) : alwaysFits + 1;
-}
-
 } // namespace
 
 int BasePublic::compareNameNum(const char *a, const char *b)
@@ -221,23 +221,19 @@ int BasePublic::compareNameNum(const char *a, const char *b)
         return -1;
     if (!b || !*b)
         return 1;
-    // The length limit comes before any result, so both names are measured first; a name of up
-    // to alwaysFits bytes needs no more than that.
-    std::size_t lengthA = boundedLength(a);
-    std::size_t lengthB = boundedLength(b);
-    if (lengthA > alwaysFits || lengthB > alwaysFits) {
-        if (!acceptedLongName(a) || !acceptedLongName(b))
-            return 0;
-        lengthA = std::strlen(a);
-        lengthB = std::strlen(b);
-    }
+    // The length limit comes before any result, so both names are measured first.
+    const std::size_t lengthA = std::strlen(a);
+    const std::size_t lengthB = std::strlen(b);
+    if ((lengthA > alwaysFits || lengthB > alwaysFits) &&
+        (!acceptedLongName(a) || !acceptedLongName(b)))
+        return 0;
     const std::size_t first = mismatch(a, b, lengthA < lengthB ? lengthA : lengthB);
     const char x = a[first];
     const char y = b[first];
     if (!isDigit(x) && !isDigit(y)) {
         // Any run before here ended on the same byte in both names, so the encodings are in
         // step and these two bytes (one may be the end, encoded as zero) decide.
-        return x == y ? 0 : byteOrder(x, y);
+        return order(static_cast<unsigned char>(x), static_cast<unsigned char>(y));
     }
     // A digit run reaches the difference: its token decides, from the start of the run.
     const std::size_t start = runStart(a, first);
@@ -250,8 +246,8 @@ int BasePublic::compareNameNum(const char *a, const char *b)
     if (isDigit(b[start]))
         readRun(b + start, countB, valueB);
     if (countA != countB)
-        return countA > countB ? 1 : -1;
+        return order(countA, countB);
     if (valueA != valueB && isDigit(a[start]) && isDigit(b[start]))
-        return valueA > valueB ? 1 : -1;
+        return order(valueA, valueB);
     return compareEncodings(a + start, b + start);
 }

@@ -16,22 +16,37 @@ using basepublic_p::wrappingDifference;
 
 namespace {
 
-// Pin names are decided within their first bytes, which are read one at a time; the C library
-// scans the letter parts that go on past them for their first digit.
-constexpr std::size_t pinStretch = 3;
+// The C library scans letter parts that go on past a pin's first bytes for their first digit.
 constexpr const char *digits = "0123456789";
+
+inline std::size_t letterEnd(const char *name, std::size_t from)
+{
+    return from + std::strcspn(name + from, digits);
+}
 
 /*!
  * The length of the letter part of \a name: the index of its first digit, or of its zero byte if
- * it has none. Its first \a from bytes are known to be non-digits.
+ * it has none. Its first \a from bytes are known to be non-digits. Pin names are decided within
+ * their first three bytes, which are read one at a time.
  */
 inline std::size_t letterLength(const char *name, std::size_t from)
 {
-    for (; from < pinStretch; ++from) {
-        if (classOf(name[from]) != Other)
-            return from;
+    switch (from) {
+    case 0:
+        if (classOf(name[0]) != Other)
+            return 0;
+        [[fallthrough]];
+    case 1:
+        if (classOf(name[1]) != Other)
+            return 1;
+        [[fallthrough]];
+    case 2:
+        if (classOf(name[2]) != Other)
+            return 2;
+        return letterEnd(name, 3);
+    default:
+        return letterEnd(name, from);
     }
-    return from + std::strcspn(name + from, digits);
 }
 
 /*!
