@@ -125,7 +125,7 @@ namespace {
 
 // -1, 0 or 1 as \a x is less than, equal to or greater than \a y, without a branch.
 template<typename T>
-int order(T x, T y)
+int orderOf(T x, T y)
 {
     return (x > y) - (x < y);
 }
@@ -233,7 +233,7 @@ int BasePublic::compareNameNum(const char *a, const char *b)
     if (!isDigit(x) && !isDigit(y)) {
         // Any run before here ended on the same byte in both names, so the encodings are in
         // step and these two bytes (one may be the end, encoded as zero) decide.
-        return order(static_cast<unsigned char>(x), static_cast<unsigned char>(y));
+        return orderOf(static_cast<unsigned char>(x), static_cast<unsigned char>(y));
     }
     // A digit run reaches the difference: its token decides, from the start of the run.
     const std::size_t start = runStart(a, first);
@@ -246,8 +246,8 @@ int BasePublic::compareNameNum(const char *a, const char *b)
     if (isDigit(b[start]))
         readRun(b + start, countB, valueB);
     if (countA != countB)
-        return order(countA, countB);
+        return orderOf(countA, countB);
     if (valueA != valueB && isDigit(a[start]) && isDigit(b[start]))
-        return order(valueA, valueB);
+        return orderOf(valueA, valueB);
     return compareEncodings(a + start, b + start);
 }
