@@ -46,7 +46,7 @@ Profiler::Profiler()
     if (m_enabled) {
         m_detail = switchedOn("ENABLE_GUI_PROFILER_DETAIL");
         auto index = std::make_unique<ProfileTaskIndex>();
-        if (std::shared_ptr<TimelineFile> timeline = TimelineFile::fromEnvironment())
+        if (QExplicitlySharedDataPointer<TimelineFile> timeline = TimelineFile::fromEnvironment())
             TimelineFile::attach(index.get(), std::move(timeline));
         m_index = index.release();
     }

@@ -38,7 +38,7 @@ void countFork()
 struct Timelines
 {
     std::mutex mutex;
-    std::map<QString, std::shared_ptr<TimelineFile>> files;
+    std::map<QString, QExplicitlySharedDataPointer<TimelineFile>> files;
 };
 
 Timelines &timelines()
@@ -52,7 +52,7 @@ Timelines &timelines()
 struct Writers
 {
     std::mutex mutex;
-    std::unordered_map<const void *, std::shared_ptr<TimelineFile>> timelines;
+    std::unordered_map<const void *, QExplicitlySharedDataPointer<TimelineFile>> timelines;
 };
 
 Writers &writers()
@@ -163,11 +163,11 @@ void appendJsonText(std::string &out, const QByteArray &text)
 
 } // namespace
 
-std::shared_ptr<TimelineFile> TimelineFile::fromEnvironment()
+QExplicitlySharedDataPointer<TimelineFile> TimelineFile::fromEnvironment()
 {
     const char *named = std::getenv("GUI_PROFILER_TRACE");
     if (!named || !*named)
-        return nullptr;
+        return {};
     static std::once_flag forkHandler;
     std::call_once(forkHandler, [] { callInForkedChild(countFork); });
 
@@ -177,8 +177,8 @@ std::shared_ptr<TimelineFile> TimelineFile::fromEnvironment()
     const auto found = known.files.find(path);
     if (found != known.files.end() && (!found->second || found->second->belongsToThisProcess()))
         return found->second;
-    auto file = std::make_shared<TimelineFile>(processFileName(path, currentProcessId()),
-                                               limitFromEnvironment());
+    QExplicitlySharedDataPointer<TimelineFile> file(
+        new TimelineFile(processFileName(path, currentProcessId()), limitFromEnvironment()));
     if (!file->open())
         file.reset();
     known.files[path] = file;
@@ -195,7 +195,7 @@ QString TimelineFile::processFileName(const QString &path, std::uint64_t process
     return QString(path).insert(dot, QLatin1Char('.') + QString::number(processId));
 }
 
-void TimelineFile::attach(const void *owner, std::shared_ptr<TimelineFile> timeline)
+void TimelineFile::attach(const void *owner, QExplicitlySharedDataPointer<TimelineFile> timeline)
 {
     Writers &all = writers();
     const std::lock_guard<std::mutex> lock(all.mutex);
@@ -220,7 +220,8 @@ void TimelineFile::detach(const void *owner)
 {
     if (writerCount.load(std::memory_order_relaxed) == 0)
         return;
-    std::shared_ptr<TimelineFile> last; // let go of after the lock: it may write its end
+    QExplicitlySharedDataPointer<TimelineFile>
+        last; // let go of after the lock: it may write its end
     Writers &all = writers();
     const std::lock_guard<std::mutex> lock(all.mutex);
     const auto found = all.timelines.find(owner);
@@ -238,7 +239,7 @@ TimelineFile *TimelineFile::of(const void *owner)
     Writers &all = writers();
     const std::lock_guard<std::mutex> lock(all.mutex);
     const auto found = all.timelines.find(owner);
-    return found == all.timelines.end() ? nullptr : found->second.get();
+    return found == all.timelines.end() ? nullptr : found->second.data();
 }
 
 std::int64_t TimelineFile::now()

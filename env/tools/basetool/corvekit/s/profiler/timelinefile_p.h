@@ -1,11 +1,12 @@
 #ifndef CORVEKIT_TIMELINEFILE_P_H
 #define CORVEKIT_TIMELINEFILE_P_H
 
+#include <QExplicitlySharedDataPointer>
 #include <QFile>
+#include <QSharedData>
 #include <QString>
 
 #include <cstdint>
-#include <memory>
 #include <mutex>
 #include <string>
 
@@ -37,7 +38,7 @@ struct TimelineRun
  * the same file writes to one TimelineFile, under its lock. Once the file reaches its size
  * limit or cannot be written, it is closed with one warning and takes no more events.
  */
-class TimelineFile
+class TimelineFile : public QSharedData
 {
 public:
     /*!
@@ -47,7 +48,7 @@ public:
      * the variable is unset or empty, or when the file cannot be opened, which is warned about
      * once.
      */
-    static std::shared_ptr<TimelineFile> fromEnvironment();
+    static QExplicitlySharedDataPointer<TimelineFile> fromEnvironment();
 
     //! \a path with ".<processId>" inserted before the extension of its file name.
     static QString processFileName(const QString &path, std::uint64_t processId);
@@ -58,7 +59,7 @@ public:
     // Which profiler writes to which timeline, by the profiler's task index: the one thing only
     // an enabled profiler has, whose layout stays as it is, so the link lives here.
     //! Makes \a owner write to \a timeline.
-    static void attach(const void *owner, std::shared_ptr<TimelineFile> timeline);
+    static void attach(const void *owner, QExplicitlySharedDataPointer<TimelineFile> timeline);
     //! Makes \a copy write to the timeline of \a original, if it has one.
     static void share(const void *original, const void *copy);
     static void detach(const void *owner);
