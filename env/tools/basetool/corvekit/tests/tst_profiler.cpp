@@ -7,6 +7,7 @@
 #include <corvekit/profilersettings.h>
 
 #include <hulmar/hulmar_testing.h>
+#include <hulmar/ut_mem_usage.h>
 
 #include <QDir>
 #include <QFile>
@@ -69,7 +70,8 @@ int environmentScenario()
 }
 
 // Two profilers of one process write their runs to the timeline, and a third one later; the
-// child prints its process id, everything posted and the reports.
+// child prints its process id, everything posted and the reports. One title ends in a byte that
+// is no UTF-8.
 int timelineScenario()
 {
     FakeProbes probes;
@@ -79,7 +81,7 @@ int timelineScenario()
         Profiler profiler;
         Profiler other;
         play(profiler, probes,
-             "+Load,@0.5 1.25 2,+Parse,=Parse → VHDL,@0.25 0.5 -1,-,+Pl\"a\\ce,@0 0.25 1,-,"
+             "+Load,@0.5 1.25 2,+Parse,=Parse → VHDL\x80,@0.25 0.5 -1,-,+Pl\"a\\ce,@0 0.25 1,-,"
              "@0 0.25 0,-,+Load,@1 1 1,-");
         play(other, probes, "+Map,@2 2 0,-");
         for (int i = qEnvironmentVariableIntValue("RUNS"); i > 0; --i)
@@ -168,6 +170,8 @@ void TestProfiler::environment()
 
 void TestProfiler::report()
 {
+    // Without the fakes the probe reads this process's resident memory.
+    QVERIFY(UT_MEM_USAGE::getCurrentMemoryUsage() > 0);
     FakeProbes probes;
     MessageCapture capture;
     Profiler profiler;
