@@ -119,7 +119,19 @@ void TestTool::run_data()
     row("settings -h", 0, "Usage: corvekit settings get KEY …the options of an action.\n");
     row("settings unset --help", 0,
         "Usage: corvekit settings unset [options] KEY\n…\n  KEY              The settings key.\n");
+    // With help asked for, a command writes its help and nothing else.
     row("env --help", 0, "Usage: corvekit env [options]\n…\n  -h, --help       Shows this help.\n");
+    row("help doctor", 0, "Usage: …Shows this help.\n");
+    row("help tools", 0, "Usage: …Shows this help.\n");
+    row("help version", 0, "Usage: …Shows this help.\n");
+    row("help helpindex", 0, "Usage: …The help index file.\n");
+    row("help label", 0, "Usage: …The label key.\n");
+    row("help wildcard", 0, "Usage: …Names to match.\n");
+    row("profile summary --help", 0, "Usage: …Timeline files.\n");
+    row("profile merge --help", 0, "Usage: …Timeline files.\n");
+    row("settings get --help", 0, "Usage: …The settings key.\n");
+    row("settings set --help", 0, "Usage: …The value.\n");
+    row("settings list --help", 0, "Usage: …The action.\n");
     row("env --project project", 0,
         "installRoot:   $T/installation\nTOOLRTF:       $T/installation\n…\nsettings files:\n"
         "  project:     $T/project/.setting.ini\n…");
