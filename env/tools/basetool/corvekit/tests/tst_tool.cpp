@@ -392,6 +392,10 @@ void TestTool::run_data()
         "'href':'reveal/reveal_inserter.htm','name':'Reveal Inserter','views':[]}]}");
     failure("helpindex --list b.xml", 3, "b.xml:3:14: Expected character data.");
     failure("helpindex --list /dev/null", 3, "/dev/null: not a regular file");
+    failure("helpindex --check b.xml", 3, "b.xml:3:14: Expected character data.");
+    row("helpindex --check b.xml --json", 3,
+        "{'column':14,'error':'Expected character data.','file':'b.xml','line':3,'valid':false}");
+    row("helpindex --check i", 0, "i: a valid help index\n");
     row("helpindex i --tool Spreadsheet --json", 0,
         "{'found':true,'query':'tool','tool':'Spreadsheet','value':'spreadsheet/spreadsheet_"
         "overview.htm'}");
