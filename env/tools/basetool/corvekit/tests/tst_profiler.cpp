@@ -71,7 +71,7 @@ int environmentScenario()
 
 // Two profilers of one process write their runs to the timeline, and a third one later; the
 // child prints its process id, everything posted and the reports. One title holds a control
-// character and ends in a byte that is no UTF-8.
+// character and bytes that are no UTF-8.
 int timelineScenario()
 {
     FakeProbes probes;
@@ -81,7 +81,8 @@ int timelineScenario()
         Profiler profiler;
         Profiler other;
         play(profiler, probes,
-             "+Load,@0.5 1.25 2,+Parse,=Parse\x1f→ VHDL\x80,@0.25 0.5 -1,-,+Pl\"a\\ce,@0 0.25 1,-,"
+             "+Load,@0.5 1.25 2,+Parse,=Parse\x1f→ VHDL\x80\xc3x,@0.25 0.5 -1,-,+Pl\"a\\ce,@0 0.25 "
+             "1,-,"
              "@0 0.25 0,-,+Load,@1 1 1,-");
         play(other, probes, "+Map,@2 2 0,-");
         for (int i = qEnvironmentVariableIntValue("RUNS"); i > 0; --i)
