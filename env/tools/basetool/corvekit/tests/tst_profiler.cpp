@@ -83,7 +83,8 @@ int timelineScenario()
         play(profiler, probes,
              "+Load,@0.5 1.25 2,+Parse,=Parse\x1f→ VHDL\x80\xc3x"
              "\xc2\x80\xdf\xbf\xe0\xa0\x80\xed\x9f\xbf\xef\xbf\xbf\xf0\x90\x80\x80\xf4\x8f\xbf\xbf"
-             "\xc1\xbf\xe0\x9f\xbf\xed\xa0\x80\xf0\x8f\xbf\xbf\xf4\x90\x80\x80\xf5"
+             "\xc1\xbf\xe0\x9f\xbf\xed\xa0\x80\xf0\x8f\xbf\xbf\xf4\x90\x80\x80"
+             "\xf5\x80\x80\x80\xe1\x80\xc0"
              ",@0.25 0.5 -1,-,+Pl\"a\\ce,@0 0.25 1,-,@0 0.25 0,-,+Load,@1 1 1,-");
         play(other, probes, "+Map,@2 2 0,-");
         for (int i = qEnvironmentVariableIntValue("RUNS"); i > 0; --i)
