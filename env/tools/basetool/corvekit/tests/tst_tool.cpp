@@ -53,6 +53,7 @@ static const Files extras = {
     {"trace-huge.json", "[{\"name\":\"" + QByteArray(1 << 20, 'x')},
     {"trace-level.json", "[{\"name\":\"x\",\"ph\":\"X\",\"dur\":1,\"args\":{\"level\":-1}}]"},
     {"trace-limit.json", "[{\"name\":\"x\",\"ph\":\"X\",\"dur\":0},{\"name\":\"x\",\"dur\":1e15}]"},
+    {"trace-early.json", "[{\"name\":\"x\",\"ts\":-1e15}]"},
 };
 
 // Every file below \a root with its contents, by relative path.
@@ -337,6 +338,8 @@ void TestTool::run_data()
             "trace-level.json: byte 1: a malformed trace event");
     failure("profile summary trace-limit.json", 3,
             "trace-limit.json: byte 31: a malformed trace event");
+    failure("profile summary trace-early.json", 3,
+            "trace-early.json: byte 1: a malformed trace event");
     failure("profile summary trace-huge.json", 3,
             "trace-huge.json: byte 1: an event longer than 1 MiB");
     failure("profile summary project", 3, "project: is a directory");
