@@ -211,6 +211,13 @@ private slots:
         const QByteArray tips = QByteArray("<tooltip name=\"a\">&p;</tooltip>").repeated(400);
         Index file(index("<tool name=\"T\">" + tips + "</tool>",
                          "<!DOCTYPE helpIndex [<!ENTITY p \"Ostrane\">]>"));
+        // Character references and predefined entities stand for one character each: they do
+        // not count as uses of the long entity the file declares.
+        const QByteArray plain = QByteArray("&#65;&amp;").repeated(400);
+        Index references(
+            index("<tool name=\"T\" href=\"" + plain + "\"/>",
+                  "<!DOCTYPE helpIndex [<!ENTITY e \"" + QByteArray(4000, 'A') + "\">]>"));
+        QCOMPARE(references.reader.getToolHelp("T"), QString("A&").repeated(400));
         Index broken("<helpIndex version=\"1.0\"><tool name=\"T\">");
         for (int i = 0; i < 100000; ++i) {
             if (i % 5000 == 0) { // a file that breaks off, or none

@@ -7,6 +7,7 @@
 #include <corvekit/profilersettings.h>
 
 #include <hulmar/hulmar_testing.h>
+#include <hulmar/ut_mem_usage.h>
 
 #include <QDir>
 #include <QFile>
@@ -69,7 +70,8 @@ int environmentScenario()
 }
 
 // Two profilers of one process write their runs to the timeline, and a third one later; the
-// child prints its process id, everything posted and the reports.
+// child prints its process id, everything posted and the reports. One title holds a control
+// character, the first and last characters of each UTF-8 length and bytes that are no UTF-8.
 int timelineScenario()
 {
     FakeProbes probes;
@@ -79,8 +81,11 @@ int timelineScenario()
         Profiler profiler;
         Profiler other;
         play(profiler, probes,
-             "+Load,@0.5 1.25 2,+Parse,=Parse → VHDL,@0.25 0.5 -1,-,+Pl\"a\\ce,@0 0.25 1,-,"
-             "@0 0.25 0,-,+Load,@1 1 1,-");
+             "+Load,@0.5 1.25 2,+Parse,=Parse\x1f→ VHDL\x80\xc3x"
+             "\xc2\x80\xdf\xbf\xe0\xa0\x80\xed\x9f\xbf\xef\xbf\xbf\xf0\x90\x80\x80\xf4\x8f\xbf\xbf"
+             "\xc1\xbf\xe0\x9f\xbf\xed\xa0\x80\xf0\x8f\xbf\xbf\xf4\x90\x80\x80"
+             "\xf5\x80\x80\x80\xe1\x80\xc0"
+             ",@0.25 0.5 -1,-,+Pl\"a\\ce,@0 0.25 1,-,@0 0.25 0,-,+Load,@1 1 1,-");
         play(other, probes, "+Map,@2 2 0,-");
         for (int i = qEnvironmentVariableIntValue("RUNS"); i > 0; --i)
             play(other, probes, "+Step,@0 0.25 0,-");
@@ -168,6 +173,8 @@ void TestProfiler::environment()
 
 void TestProfiler::report()
 {
+    // Without the fakes the probe reads this process's resident memory.
+    QVERIFY(UT_MEM_USAGE::getCurrentMemoryUsage() > 0);
     FakeProbes probes;
     MessageCapture capture;
     Profiler profiler;

@@ -21,6 +21,7 @@ static const Files extras = {
     {"bad2/.setting.ini", "; c\n[General]\nX=1\nno equals here\nY=2\n"},
     {"blocked/.setting.ini/keep", ""},
     {"empty/.setting.ini", "[General]\nPRECISION_PATH=\n"},
+    {"pct/.setting.ini", "[General]\nA%4=1\n"}, // an escape cut short
     {"<", "net10\r\nnet9\r\n\xe9t\xe9\r\nnet1"},
     {"sorted", "A1\nA2\nA2\n"},
     {"b.xml", "<helpIndex version=\"1.0\">\n<tool name=\"T\">\n<tooltip>a<b/></tooltip>"},
@@ -31,7 +32,8 @@ static const Files extras = {
     {"blockedroot/data/.setting.ini/keep", ""},
     {"dirversion/data/zeksys.ini/keep", ""},
     // Timelines: runs nested on thread 1 beside one on thread 2, a title with a brace, a counter
-    // and a last event cut short; a second process with two events on one line; faults.
+    // and a last event cut short; a second process with two events on one line; faults. The second
+    // trace lacks its closing bracket.
     {"trace-a.json",
      "[\n{\"name\":\"Parse\",\"ph\":\"X\",\"ts\":1000,\"dur\":300,\"pid\":1,\"tid\":1,\"args\":{"
      "\"level\":1}},\n"
@@ -44,11 +46,14 @@ static const Files extras = {
      "\"level\":0}},\n"
      "{\"name\":\"Place\",\"ph\":\"X\",\"ts\":2500,\"dur\":700,\"pid\":1,\"tid\":1,\"args\":{"
      "\"lev"},
-    {"trace-b.json", "[{\"ph\":\"M\"},{\"name\":\"Map\",\"ph\":\"X\",\"ts\":3000,\"dur\":50}]"},
+    {"trace-b.json",
+     "[{\"ph\":\"M\"},{\"name\":\"Map\",\"ph\":\"X\",\"ts\":3000,\"dur\":50,\"args\":{}},\n"},
     {"trace-none.json", "[\n]\n"},
     {"trace-bad.json", "[\n{\"name\":\"Map\",\"ph\":\"X\",\"ts\":1,\"dur\":-5}\n]\n"},
     {"trace-huge.json", "[{\"name\":\"" + QByteArray(1 << 20, 'x')},
     {"trace-level.json", "[{\"name\":\"x\",\"ph\":\"X\",\"dur\":1,\"args\":{\"level\":-1}}]"},
+    {"trace-limit.json", "[{\"name\":\"x\",\"ph\":\"X\",\"dur\":0},{\"name\":\"x\",\"dur\":1e15}]"},
+    {"trace-early.json", "[{\"name\":\"x\",\"ts\":-1e15}]"},
 };
 
 // Every file below \a root with its contents, by relative path.
@@ -111,9 +116,23 @@ void TestTool::run_data()
     row("", 2, "",
         "Usage: corvekit [--root DIR] COMMAND [options] ARGS...\n…\nRun 'corvekit help …");
     failure("frobnicate", 2, "unknown command 'frobnicate'; see …");
-    row("filter --help", 0, "Usage: … TYPE [DESCRIPTION]\n…");
-    row("settings -h", 0, "Usage: corvekit settings get KEY …");
-    row("settings unset --help", 0, "Usage: corvekit settings unset [options] KEY\n…");
+    row("filter --help", 0, "Usage: … TYPE [DESCRIPTION]\n…\"TYPE Files\" if not given.\n");
+    row("settings -h", 0, "Usage: corvekit settings get KEY …the options of an action.\n");
+    row("settings unset --help", 0,
+        "Usage: corvekit settings unset [options] KEY\n…\n  KEY              The settings key.\n");
+    // With help asked for, a command writes its help and nothing else.
+    row("env --help", 0, "Usage: corvekit env [options]\n…\n  -h, --help       Shows this help.\n");
+    row("help doctor", 0, "Usage: …Shows this help.\n");
+    row("help tools", 0, "Usage: …Shows this help.\n");
+    row("help version", 0, "Usage: …Shows this help.\n");
+    row("help helpindex", 0, "Usage: …The help index file.\n");
+    row("help label", 0, "Usage: …The label key.\n");
+    row("help wildcard", 0, "Usage: …Names to match.\n");
+    row("profile summary --help", 0, "Usage: …Timeline files.\n");
+    row("profile merge --help", 0, "Usage: …Timeline files.\n");
+    row("settings get --help", 0, "Usage: …The settings key.\n");
+    row("settings set --help", 0, "Usage: …The value.\n");
+    row("settings list --help", 0, "Usage: …The action.\n");
     row("env --project project", 0,
         "installRoot:   $T/installation\nTOOLRTF:       $T/installation\n…\nsettings files:\n"
         "  project:     $T/project/.setting.ini\n…");
@@ -164,6 +183,8 @@ void TestTool::run_data()
     row("settings unset --project project/ File_Extension", 0,
         "project\t$T/project/.setting.ini\n== project/.setting.ini\n; Settings of the sample "
         "project.\n[General]\nDEFAULT_DEVICE_FAMILY=Corvus-III\nTOP_MODULE=uart_bridge\n");
+    row("settings unset --project pct A%4", 0,
+        "project\t$T/pct/.setting.ini\n== pct/.setting.ini\n");
     failure("settings unset --user K", 1, "'K' is not set at the user level (…)");
     failure("settings unset --user /", 3, "'/' is no settings key");
 
@@ -206,6 +227,9 @@ void TestTool::run_data()
     row("SOLVANE_GROUP_SETTING_FILE=$T/group.ini settings set --user K v", 0,
         "group\t$T/group.ini\n== group.ini\n[General]\nK=v\n",
         "corvekit: warning: group settings file $T/group.ini does not exist, …\n");
+    // A file even root may not read.
+    row("SOLVANE_GROUP_SETTING_FILE=/proc/sys/vm/drop_caches doctor", 1,
+        "…error   group settings     /proc/sys/vm/drop_caches cannot be read; …", "…");
     failure("settings get K --project nope", 3, "nope: no such project directory");
     failure("settings unset K", 2, "give either --user or --project DIR");
     row("settings unset --project project/ NOPE --json", 1,
@@ -304,7 +328,7 @@ void TestTool::run_data()
     row("profile merge trace-a.json trace-b.json -o m.json", 0,
         "m.json: 7 events of 2 traces\n== "
         "m.json\n[\n{\"name\":\"Parse\",…,\"args\":{\"level\":0}},\n"
-        "{\"ph\":\"M\"},\n{\"name\":\"Map\",\"ph\":\"X\",\"ts\":3000,\"dur\":50}\n]\n");
+        "{\"ph\":\"M\"},\n{\"name\":\"Map\",\"ph\":\"X\",\"ts\":3000,\"dur\":50,\"args\":{}}\n]\n");
     failure("profile merge trace-a.json names -o m.json", 3,
             "names: not a trace: a JSON array of events must begin it");
     failure("profile merge trace-a.json", 2, "merge: missing -o FILE; see --help");
@@ -312,6 +336,10 @@ void TestTool::run_data()
     failure("profile summary trace-bad.json", 3, "trace-bad.json: byte 2: a malformed trace event");
     failure("profile summary trace-level.json", 3,
             "trace-level.json: byte 1: a malformed trace event");
+    failure("profile summary trace-limit.json", 3,
+            "trace-limit.json: byte 31: a malformed trace event");
+    failure("profile summary trace-early.json", 3,
+            "trace-early.json: byte 1: a malformed trace event");
     failure("profile summary trace-huge.json", 3,
             "trace-huge.json: byte 1: an event longer than 1 MiB");
     failure("profile summary project", 3, "project: is a directory");
@@ -367,6 +395,10 @@ void TestTool::run_data()
         "'href':'reveal/reveal_inserter.htm','name':'Reveal Inserter','views':[]}]}");
     failure("helpindex --list b.xml", 3, "b.xml:3:14: Expected character data.");
     failure("helpindex --list /dev/null", 3, "/dev/null: not a regular file");
+    failure("helpindex --check b.xml", 3, "b.xml:3:14: Expected character data.");
+    row("helpindex --check b.xml --json", 3,
+        "{'column':14,'error':'Expected character data.','file':'b.xml','line':3,'valid':false}");
+    row("helpindex --check i", 0, "i: a valid help index\n");
     row("helpindex i --tool Spreadsheet --json", 0,
         "{'found':true,'query':'tool','tool':'Spreadsheet','value':'spreadsheet/spreadsheet_"
         "overview.htm'}");

@@ -239,11 +239,11 @@ int runDoctor(const QStringList &arguments)
     const QCommandLineOption jsonOption = jsonOutputOption();
     const QCommandLineOption projectOption = projectDirOption(QStringLiteral("Checks"));
     parser.addOptions({jsonOption, projectOption});
-    if (int status = parseArguments(parser, arguments, 0, 0); status >= 0)
+    if (int status = parseArguments(parser, arguments, 0, 0); status != KeepGoing)
         return status;
     const bool rootWasSet = std::getenv("TOOLRTF") != nullptr;
     QString projectPath;
-    if (int status = startUp(parser, projectOption, projectPath); status >= 0)
+    if (int status = startUp(parser, projectOption, projectPath); status != KeepGoing)
         return status;
 
     QList<Check> checks = {rootCheck(rootWasSet)};

@@ -45,12 +45,12 @@ int runEnv(const QStringList &arguments)
     const QCommandLineOption jsonOption = jsonOutputOption();
     const QCommandLineOption projectOption = projectDirOption(QStringLiteral("Reads"));
     parser.addOptions({jsonOption, projectOption});
-    if (int status = parseArguments(parser, arguments, 0, 0); status >= 0)
+    if (int status = parseArguments(parser, arguments, 0, 0); status != KeepGoing)
         return status;
 
     std::optional<ProfileStep> step(std::in_place, "initialize system");
     QString projectPath;
-    if (int status = startUp(parser, projectOption, projectPath); status >= 0)
+    if (int status = startUp(parser, projectOption, projectPath); status != KeepGoing)
         return status;
     step.emplace("resolve installation");
     BaseSettings settings;

@@ -25,10 +25,10 @@ int runFilter(const QStringList &arguments)
                                  QStringLiteral("Text before the patterns; \"TYPE Files\" if "
                                                 "not given."),
                                  QStringLiteral("[DESCRIPTION]"));
-    if (int status = parseArguments(parser, arguments, 1, 2); status >= 0)
+    if (int status = parseArguments(parser, arguments, 1, 2); status != KeepGoing)
         return status;
     QString projectPath;
-    if (int status = startUp(parser, projectOption, projectPath); status >= 0)
+    if (int status = startUp(parser, projectOption, projectPath); status != KeepGoing)
         return status;
 
     const QStringList positional = parser.positionalArguments();

@@ -129,7 +129,7 @@ int runHelpIndex(const QStringList &arguments)
     parser.addOptions({checkOption, listOption, jsonOption, toolOption, viewOption, dialogOption,
                        textOption, whatsThisOption, tooltipOption, descriptionOption, urlOption});
     parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("The help index file."));
-    if (int status = parseArguments(parser, arguments, 1, 1); status >= 0)
+    if (int status = parseArguments(parser, arguments, 1, 1); status != KeepGoing)
         return status;
 
     // Which item query, if any; at most one.
@@ -170,7 +170,7 @@ int runHelpIndex(const QStringList &arguments)
                     QStringLiteral("helpindex: --text needs --dialog and no item option"));
 
     const QString fileName = parser.positionalArguments().constFirst();
-    if (int status = checkInputFile(fileName); status >= 0)
+    if (int status = checkInputFile(fileName); status != KeepGoing)
         return status;
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly))

@@ -22,7 +22,7 @@ int runLabel(const QStringList &arguments)
     parser.addOptions({jsonOption, listOption});
     parser.addPositionalArgument(QStringLiteral("KEY"), QStringLiteral("The label key."),
                                  QStringLiteral("[KEY]"));
-    if (int status = parseArguments(parser, arguments, 0, 1); status >= 0)
+    if (int status = parseArguments(parser, arguments, 0, 1); status != KeepGoing)
         return status;
     const bool json = parser.isSet(jsonOption);
     const QStringList positional = parser.positionalArguments();

@@ -17,10 +17,10 @@ namespace {
 int checkTraces(const QStringList &traces)
 {
     for (const QString &trace : traces) {
-        if (int status = checkInputFile(trace); status >= 0)
+        if (int status = checkInputFile(trace); status != KeepGoing)
             return status;
     }
-    return -1;
+    return KeepGoing;
 }
 
 QString milliseconds(qint64 nanoseconds, int width)
@@ -96,10 +96,10 @@ int runSummary(const QStringList &arguments)
     parser.addPositionalArgument(QStringLiteral("summary"), QStringLiteral("The action."));
     parser.addPositionalArgument(QStringLiteral("TRACE"), QStringLiteral("Timeline files."),
                                  QStringLiteral("TRACE..."));
-    if (int status = parseArguments(parser, arguments, 2, -1); status >= 0)
+    if (int status = parseArguments(parser, arguments, 2, -1); status != KeepGoing)
         return status;
     const QStringList traces = parser.positionalArguments().mid(1);
-    if (int status = checkTraces(traces); status >= 0)
+    if (int status = checkTraces(traces); status != KeepGoing)
         return status;
 
     std::optional<ProfileStep> step(std::in_place, "read traces");
@@ -140,13 +140,13 @@ int runMerge(const QStringList &arguments)
     parser.addPositionalArgument(QStringLiteral("merge"), QStringLiteral("The action."));
     parser.addPositionalArgument(QStringLiteral("TRACE"), QStringLiteral("Timeline files."),
                                  QStringLiteral("TRACE..."));
-    if (int status = parseArguments(parser, arguments, 2, -1); status >= 0)
+    if (int status = parseArguments(parser, arguments, 2, -1); status != KeepGoing)
         return status;
     const QString output = parser.value(outputOption);
     if (output.isEmpty())
         return fail(ExitUsage, QStringLiteral("merge: missing -o FILE; see --help"));
     const QStringList traces = parser.positionalArguments().mid(1);
-    if (int status = checkTraces(traces); status >= 0)
+    if (int status = checkTraces(traces); status != KeepGoing)
         return status;
 
     // The file is replaced only once every event is in, so an input may also be the output.

@@ -29,7 +29,7 @@ int checkType(const QString &type)
 {
     if (!type.isEmpty() && !valueTypes().contains(type))
         return fail(ExitUsage, QStringLiteral("unknown type '%1'; see --help").arg(type));
-    return -1;
+    return KeepGoing;
 }
 
 // \a text as a value of \a type, as `set` stores it; lists are split at commas.
@@ -56,7 +56,7 @@ int parseValue(const QString &type, const QString &text, QVariant &value)
     } else {
         value = text;
     }
-    return -1;
+    return KeepGoing;
 }
 
 // Whether QSettings read a list; an empty list reads as no value at all.
@@ -124,11 +124,11 @@ QCommandLineOption showOriginOption()
 // Refuses level files that would block, opens the levels, and names those it had to skip.
 int openLevels(const QString &projectPath, std::optional<BaseSettings> &settings)
 {
-    if (int status = checkLevelFiles(projectPath); status >= 0)
+    if (int status = checkLevelFiles(projectPath); status != KeepGoing)
         return status;
     settings.emplace(projectPath);
     warnSkippedLevels(*settings);
-    return -1;
+    return KeepGoing;
 }
 
 int runGet(const QStringList &arguments)
@@ -156,24 +156,25 @@ int runGet(const QStringList &arguments)
     parser.addOptions({json, project, typeOption, showScope, showOrigin, all, defaultOption});
     parser.addPositionalArgument(QStringLiteral("get"), QStringLiteral("The action."));
     parser.addPositionalArgument(QStringLiteral("KEY"), QStringLiteral("The settings key."));
-    if (int status = parseArguments(parser, arguments, 2, 2); status >= 0)
+    if (int status = parseArguments(parser, arguments, 2, 2); status != KeepGoing)
         return status;
     const QString key = parser.positionalArguments().at(1);
     const QString type = parser.value(typeOption);
-    if (int status = checkType(type); status >= 0)
+    if (int status = checkType(type); status != KeepGoing)
         return status;
     QVariant defaultValue;
     if (parser.isSet(defaultOption)) {
-        if (int status = parseValue(type, parser.value(defaultOption), defaultValue); status >= 0)
+        if (int status = parseValue(type, parser.value(defaultOption), defaultValue);
+            status != KeepGoing)
             return status;
     }
     QString projectPath;
-    if (int status = projectDirectory(parser, project, projectPath); status >= 0)
+    if (int status = projectDirectory(parser, project, projectPath); status != KeepGoing)
         return status;
 
     std::optional<ProfileStep> step(std::in_place, "open settings");
     std::optional<BaseSettings> settings;
-    if (int status = openLevels(projectPath, settings); status >= 0)
+    if (int status = openLevels(projectPath, settings); status != KeepGoing)
         return status;
 
     step.emplace("look up");
@@ -233,13 +234,13 @@ int runList(const QStringList &arguments)
     const QCommandLineOption showOrigin = showOriginOption();
     parser.addOptions({json, project, showScope, showOrigin});
     parser.addPositionalArgument(QStringLiteral("list"), QStringLiteral("The action."));
-    if (int status = parseArguments(parser, arguments, 1, 1); status >= 0)
+    if (int status = parseArguments(parser, arguments, 1, 1); status != KeepGoing)
         return status;
     QString projectPath;
-    if (int status = projectDirectory(parser, project, projectPath); status >= 0)
+    if (int status = projectDirectory(parser, project, projectPath); status != KeepGoing)
         return status;
     std::optional<BaseSettings> settings;
-    if (int status = openLevels(projectPath, settings); status >= 0)
+    if (int status = openLevels(projectPath, settings); status != KeepGoing)
         return status;
 
     const QList<SettingsLevel> levels = corvekit_private::settingsLevels(*settings);
@@ -278,7 +279,7 @@ int checkKey(const QString &key)
 {
     if (QString(key).remove(QLatin1Char('/')).isEmpty())
         return fail(ExitInvalidInput, QStringLiteral("'%1' is no settings key").arg(key));
-    return -1;
+    return KeepGoing;
 }
 
 QCommandLineOption userLevelOption()
@@ -296,13 +297,13 @@ int chooseLevel(const QCommandLineParser &parser, const QCommandLineOption &user
     if (parser.isSet(user) == parser.isSet(project))
         return fail(ExitUsage, QStringLiteral("give either --user or --project DIR"));
     QString projectPath;
-    if (int status = projectDirectory(parser, project, projectPath); status >= 0)
+    if (int status = projectDirectory(parser, project, projectPath); status != KeepGoing)
         return status;
-    if (int status = openLevels(projectPath, settings); status >= 0)
+    if (int status = openLevels(projectPath, settings); status != KeepGoing)
         return status;
     // The levels come most specific first: the project, then the user level in use.
     level = corvekit_private::settingsLevels(*settings).at(parser.isSet(user) ? 1 : 0);
-    return -1;
+    return KeepGoing;
 }
 
 int editStatus(const IniEditResult &result)
@@ -345,20 +346,21 @@ int runSet(const QStringList &arguments)
     parser.addPositionalArgument(QStringLiteral("set"), QStringLiteral("The action."));
     parser.addPositionalArgument(QStringLiteral("KEY"), QStringLiteral("The settings key."));
     parser.addPositionalArgument(QStringLiteral("VALUE"), QStringLiteral("The value."));
-    if (int status = parseArguments(parser, arguments, 3, 3); status >= 0)
+    if (int status = parseArguments(parser, arguments, 3, 3); status != KeepGoing)
         return status;
     const QString key = parser.positionalArguments().at(1);
     const QString type = parser.value(typeOption);
     QVariant value;
-    if (int status = checkType(type); status >= 0)
+    if (int status = checkType(type); status != KeepGoing)
         return status;
-    if (int status = checkKey(key); status >= 0)
+    if (int status = checkKey(key); status != KeepGoing)
         return status;
-    if (int status = parseValue(type, parser.positionalArguments().at(2), value); status >= 0)
+    if (int status = parseValue(type, parser.positionalArguments().at(2), value);
+        status != KeepGoing)
         return status;
     std::optional<BaseSettings> settings;
     SettingsLevel level{};
-    if (int status = chooseLevel(parser, user, project, settings, level); status >= 0)
+    if (int status = chooseLevel(parser, user, project, settings, level); status != KeepGoing)
         return status;
 
     const IniEditResult result = setIniValue(level.fileName, key, value);
@@ -387,14 +389,14 @@ int runUnset(const QStringList &arguments)
     parser.addOptions({user, project, json});
     parser.addPositionalArgument(QStringLiteral("unset"), QStringLiteral("The action."));
     parser.addPositionalArgument(QStringLiteral("KEY"), QStringLiteral("The settings key."));
-    if (int status = parseArguments(parser, arguments, 2, 2); status >= 0)
+    if (int status = parseArguments(parser, arguments, 2, 2); status != KeepGoing)
         return status;
     const QString key = parser.positionalArguments().at(1);
-    if (int status = checkKey(key); status >= 0)
+    if (int status = checkKey(key); status != KeepGoing)
         return status;
     std::optional<BaseSettings> settings;
     SettingsLevel level{};
-    if (int status = chooseLevel(parser, user, project, settings, level); status >= 0)
+    if (int status = chooseLevel(parser, user, project, settings, level); status != KeepGoing)
         return status;
 
     const IniEditResult result = removeIniKey(level.fileName, key);

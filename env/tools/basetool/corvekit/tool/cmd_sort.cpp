@@ -137,7 +137,7 @@ int runSort(const QStringList &arguments)
                        "name out of order is reported with its file and line."));
     parser.addOptions(
         {byOption, reverseOption, uniqueOption, outputOption, zeroOption, checkOption});
-    if (int status = parseArguments(parser, arguments, 0, -1); status >= 0)
+    if (int status = parseArguments(parser, arguments, 0, -1); status != KeepGoing)
         return status;
 
     const QString by = parser.value(byOption);
@@ -159,7 +159,7 @@ int runSort(const QStringList &arguments)
     std::vector<Input> inputs;
     for (const QString &path : std::as_const(files)) {
         QByteArray text;
-        if (int status = readInputFile(path, text); status >= 0)
+        if (int status = readInputFile(path, text); status != KeepGoing)
             return status;
         inputs.push_back({path, names.size()});
         appendNames(text, end, names);

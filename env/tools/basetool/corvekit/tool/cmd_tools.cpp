@@ -90,10 +90,10 @@ int runTools(const QStringList &arguments)
                        "that user and project settings do not count."));
     const QCommandLineOption projectOption = projectDirOption(QStringLiteral("Reads"));
     parser.addOptions({jsonOption, defaultsOption, projectOption});
-    if (int status = parseArguments(parser, arguments, 0, 0); status >= 0)
+    if (int status = parseArguments(parser, arguments, 0, 0); status != KeepGoing)
         return status;
     QString projectPath;
-    if (int status = startUp(parser, projectOption, projectPath); status >= 0)
+    if (int status = startUp(parser, projectOption, projectPath); status != KeepGoing)
         return status;
     {
         BaseSettings settings;

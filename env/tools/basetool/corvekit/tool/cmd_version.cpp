@@ -45,7 +45,7 @@ int runVersion(const QStringList &arguments)
                        "build or full (the default)."),
         QStringLiteral("PATTERN"), QStringLiteral("full"));
     parser.addOptions({jsonOption, groupOption, patternOption});
-    if (int status = parseArguments(parser, arguments, 0, 0); status >= 0)
+    if (int status = parseArguments(parser, arguments, 0, 0); status != KeepGoing)
         return status;
 
     const QString patternText = parser.value(patternOption);
@@ -58,7 +58,7 @@ int runVersion(const QStringList &arguments)
         return fail(ExitUsage, QStringLiteral("unknown pattern '%1'; see --help").arg(patternText));
 
     // The start-up reads a setting through the working directory's project file.
-    if (int status = checkLevelFiles(QString()); status >= 0)
+    if (int status = checkLevelFiles(QString()); status != KeepGoing)
         return status;
     BaseSystem::initializeSystem();
     const bool json = parser.isSet(jsonOption);
@@ -72,7 +72,7 @@ int runVersion(const QStringList &arguments)
     QString miss;
     if (!QFileInfo::exists(versionFile))
         miss = QStringLiteral("%1: no version file").arg(versionFile);
-    else if (int status = checkInputFile(versionFile); status >= 0)
+    else if (int status = checkInputFile(versionFile); status != KeepGoing)
         return status;
     else if (iniFileState(versionFile) == corvekit_private::SettingsFileState::Malformed)
         return fail(ExitInvalidInput,

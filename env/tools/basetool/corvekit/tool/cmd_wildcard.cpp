@@ -14,11 +14,11 @@ namespace {
 int readNames(const QString &path, QStringList &names)
 {
     QByteArray bytes;
-    if (int status = readInputFile(path, bytes); status >= 0)
+    if (int status = readInputFile(path, bytes); status != KeepGoing)
         return status;
     const QString text = QString::fromLocal8Bit(bytes);
     if (text.isEmpty())
-        return -1;
+        return KeepGoing;
     QStringList lines = text.split(QLatin1Char('\n'));
     if (text.endsWith(QLatin1Char('\n')))
         lines.removeLast();
@@ -27,7 +27,7 @@ int readNames(const QString &path, QStringList &names)
             line.chop(1);
     }
     names += lines;
-    return -1;
+    return KeepGoing;
 }
 
 } // namespace
@@ -55,7 +55,7 @@ int runWildcard(const QStringList &arguments)
                        "once."),
         QStringLiteral("FILE"));
     parser.addOptions({jsonOption, fileOption});
-    if (int status = parseArguments(parser, arguments, 1, -1); status >= 0)
+    if (int status = parseArguments(parser, arguments, 1, -1); status != KeepGoing)
         return status;
 
     QStringList names = parser.positionalArguments();
@@ -64,7 +64,7 @@ int runWildcard(const QStringList &arguments)
     if (fromFiles && !names.isEmpty())
         return fail(ExitUsage, QStringLiteral("wildcard: give NAME arguments or --file, not both"));
     for (const QString &path : parser.values(fileOption)) {
-        if (int status = readNames(path, names); status >= 0)
+        if (int status = readNames(path, names); status != KeepGoing)
             return status;
     }
     const bool json = parser.isSet(jsonOption);

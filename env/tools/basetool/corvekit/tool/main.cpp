@@ -39,7 +39,7 @@ int chooseRoot(const QString &directory)
         warn(QStringLiteral("%1 has no data folder %2: no version file and no installation "
                             "settings")
                  .arg(directory, data.path()));
-    return -1;
+    return KeepGoing;
 }
 
 } // namespace
@@ -72,7 +72,7 @@ int main(int argc, char *argv[])
                 return fail(ExitUsage, QStringLiteral("--root needs a directory"));
             const QString root =
                 option == QLatin1String("--root") ? arguments.takeFirst() : option.mid(7);
-            if (int status = chooseRoot(root); status >= 0)
+            if (int status = chooseRoot(root); status != KeepGoing)
                 return status;
             continue;
         }

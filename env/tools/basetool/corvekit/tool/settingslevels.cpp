@@ -16,7 +16,7 @@ int checkLevelFiles(const QString &projectPath)
             return fail(ExitInvalidInput,
                         QStringLiteral("%1: settings file is not a regular file").arg(file));
     }
-    return -1;
+    return KeepGoing;
 }
 
 void warnSkippedLevels(BaseSettings &settings)

@@ -7,8 +7,8 @@ class BaseSettings;
 
 /*!
  * Refuses, before a BaseSettings opens them, level files that would block or mislead: a project
- * or system file that is a directory, FIFO, socket or device. Returns -1 when the caller should
- * go on, else ExitInvalidInput (reported).
+ * or system file that is a directory, FIFO, socket or device. Returns KeepGoing when the caller
+ * should go on, else ExitInvalidInput (reported).
  */
 int checkLevelFiles(const QString &projectPath);
 

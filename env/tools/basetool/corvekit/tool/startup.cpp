@@ -11,17 +11,17 @@
 int startUp(const QCommandLineParser &parser, const QCommandLineOption &option,
             QString &projectPath)
 {
-    if (int status = projectDirectory(parser, option, projectPath); status >= 0)
+    if (int status = projectDirectory(parser, option, projectPath); status != KeepGoing)
         return status;
     // The start-up reads through the working directory's project file, the command through the
     // project's: both must be safe to open.
-    if (int status = checkLevelFiles(QString()); status >= 0)
+    if (int status = checkLevelFiles(QString()); status != KeepGoing)
         return status;
-    if (int status = checkLevelFiles(projectPath); status >= 0)
+    if (int status = checkLevelFiles(projectPath); status != KeepGoing)
         return status;
     BaseSystem::initializeSystem();
     BaseSettings::setProjectPath(projectPath);
-    return -1;
+    return KeepGoing;
 }
 
 corvekit_private::SettingsFileState iniFileState(const QString &fileName)

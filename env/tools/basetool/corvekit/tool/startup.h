@@ -14,7 +14,7 @@ class QCommandLineParser;
  * --project directory that does not exist and level files that would block (checked before
  * anything opens them), runs BaseSystem::initializeSystem and makes the project behind \a option
  * the project level of every BaseSettings made from now on. \a projectPath gets "DIR/", or
- * empty without the option. Returns -1 when the caller should go on, else the exit status
+ * empty without the option. Returns KeepGoing when the caller should go on, else the exit status
  * (reported).
  */
 int startUp(const QCommandLineParser &parser, const QCommandLineOption &option,

@@ -178,7 +178,7 @@ int parseArguments(QCommandLineParser &parser, const QStringList &arguments, int
     if (maxPositional >= 0 && count > maxPositional)
         return fail(ExitUsage, QStringLiteral("unexpected argument '%1'; see 'corvekit %2 --help'")
                                    .arg(parser.positionalArguments().at(maxPositional), command));
-    return -1;
+    return KeepGoing;
 }
 
 int checkInputFile(const QString &path)
@@ -192,7 +192,7 @@ int checkInputFile(const QString &path)
         return fail(ExitInvalidInput, QStringLiteral("%1: not a regular file").arg(path));
     if (!info.isReadable())
         return fail(ExitInvalidInput, QStringLiteral("%1: cannot read").arg(path));
-    return -1;
+    return KeepGoing;
 }
 
 int readInputFile(const QString &path, QByteArray &contents)
@@ -202,14 +202,14 @@ int readInputFile(const QString &path, QByteArray &contents)
         if (!file.open(stdin, QIODevice::ReadOnly))
             return fail(ExitInvalidInput, QStringLiteral("cannot read standard input"));
     } else {
-        if (int status = checkInputFile(path); status >= 0)
+        if (int status = checkInputFile(path); status != KeepGoing)
             return status;
         file.setFileName(path);
         if (!file.open(QIODevice::ReadOnly))
             return fail(ExitInvalidInput, QStringLiteral("%1: cannot read").arg(path));
     }
     contents = file.readAll();
-    return -1;
+    return KeepGoing;
 }
 
 int projectDirectory(const QCommandLineParser &parser, const QCommandLineOption &option,
@@ -217,14 +217,14 @@ int projectDirectory(const QCommandLineParser &parser, const QCommandLineOption 
 {
     path.clear();
     if (!parser.isSet(option))
-        return -1;
+        return KeepGoing;
     const QString given = parser.value(option);
     if (given.isEmpty() || !QFileInfo(given).isDir())
         return fail(ExitInvalidInput, QStringLiteral("%1: no such project directory").arg(given));
     path = QDir::cleanPath(given) + QLatin1Char('/');
     if (path == QLatin1String("//"))
         path = QStringLiteral("/");
-    return -1;
+    return KeepGoing;
 }
 
 QCommandLineOption jsonOutputOption()

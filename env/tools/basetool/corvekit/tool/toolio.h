@@ -10,6 +10,9 @@
 class QCommandLineOption;
 class QCommandLineParser;
 
+// What a check returns when the command should go on; any other value is the exit status.
+constexpr int KeepGoing = -1;
+
 // Exit status of every subcommand, as `git config` has it.
 enum ExitStatus
 {
@@ -43,10 +46,10 @@ QString nearestName(const QString &word, const QStringList &candidates);
 
 /*!
  * Parses \a arguments (the subcommand's name first, with or without "corvekit ") with \a parser,
- * which has --help added. Returns -1 when the caller should go on, else the exit status to return
- * at once: 0 after --help, 2 after a usage error (already reported). \a minPositional and
- * \a maxPositional (-1 for no bound) bound the positional arguments. The help's usage line names
- * the command, and an unknown option is answered with the nearest valid one.
+ * which has --help added. Returns KeepGoing when the caller should go on, else the exit status to
+ * return at once: 0 after --help, 2 after a usage error (already reported). \a minPositional and \a
+ * maxPositional (-1 for no bound) bound the positional arguments. The help's usage line names the
+ * command, and an unknown option is answered with the nearest valid one.
  */
 int parseArguments(QCommandLineParser &parser, const QStringList &arguments, int minPositional,
                    int maxPositional);
@@ -58,15 +61,15 @@ QCommandLineOption projectDirOption(const QString &verb);
 
 /*!
  * Checks that \a path names a regular file this process may read, before anything opens it: a
- * FIFO with no writer would block the open forever. Returns -1 when the caller should go on, else
- * ExitInvalidInput after reporting "PATH: no such file", "is a directory", "not a regular file"
- * or "cannot read".
+ * FIFO with no writer would block the open forever. Returns KeepGoing when the caller should go on,
+ * else ExitInvalidInput after reporting "PATH: no such file", "is a directory", "not a regular
+ * file" or "cannot read".
  */
 int checkInputFile(const QString &path);
 
 /*!
  * Reads the whole of \a path into \a contents, "-" being standard input; other paths pass
- * checkInputFile() first. Returns -1 when the caller should go on, else ExitInvalidInput
+ * checkInputFile() first. Returns KeepGoing when the caller should go on, else ExitInvalidInput
  * (reported).
  */
 int readInputFile(const QString &path, QByteArray &contents);
@@ -74,8 +77,8 @@ int readInputFile(const QString &path, QByteArray &contents);
 /*!
  * The project path behind \a option: empty when the option is not given, else the directory it
  * names with exactly one trailing "/", as the library appends the project file's name to it.
- * Returns -1 when the caller should go on, else ExitInvalidInput for a directory that does not
- * exist (reported).
+ * Returns KeepGoing when the caller should go on, else ExitInvalidInput for a directory that does
+ * not exist (reported).
  */
 int projectDirectory(const QCommandLineParser &parser, const QCommandLineOption &option,
                      QString &path);

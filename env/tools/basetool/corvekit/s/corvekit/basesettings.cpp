@@ -71,11 +71,10 @@ const QString &settingFileName()
     return name;
 }
 
+// A QSettings made on a file name reads that one file, so it has nothing to fall back to.
 QSettings *openFile(const QString &fileName)
 {
-    auto *settings = new QSettings(fileName, QSettings::IniFormat);
-    settings->setFallbacksEnabled(false);
-    return settings;
+    return new QSettings(fileName, QSettings::IniFormat);
 }
 
 QSettings *openUserFile(const QString &organization)
