@@ -119,7 +119,7 @@ void TestInstallation::steps_data()
     row("start-up, empty values count as set", "TOOLRTF=;FOUNDRY=;ZEKPROG_PATH=", "init", "||");
     // The writes are traced before they are tried, so a failed one is traced too.
     row("environment writes; start-up, TOOLRTF cannot be stored",
-        "TOOLRTF;V=old;TIVORANDEBUG=;LD_PRELOAD=" CORVEKIT_FAILING_SETENV
+        "TOOLRTF;V=old;TIVORANDEBUG=;LD_PRELOAD=" CORVEKIT_FAILING_CALLS
         ";CORVEKIT_FAIL_SETENV=TOOLRTF;"
         "ASAN_OPTIONS=verify_asan_link_order=0;QT_MESSAGE_PATTERN=%{type}|%{function}|%{message}",
         "init,set:V:/opt/x,bool:V:1,bool:V:0,set:V:a\u20ac,set:V:,unset:V,set::x",

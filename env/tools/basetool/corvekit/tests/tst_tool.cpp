@@ -107,7 +107,8 @@ private slots:
 void TestTool::run_data()
 {
     // As on a shell's command line, NAME=VALUE words first set environment variables. $E is an
-    // empty argument; $T is the copy's folder, also the working directory, in every column.
+    // empty argument; $T is the copy's folder, also the working directory, in every column; $F
+    // preloads the library that makes the calls named by CORVEKIT_FAIL_* variables fail.
     QTest::addColumn<QString>("arguments");
     QTest::addColumn<int>("exitCode");
     QTest::addColumn<QByteArray>("output"); // then "== FILE" and the text of each file written
@@ -178,6 +179,8 @@ void TestTool::run_data()
         "corvekit: warning: …\ncorvekit: $T/bad2/.setting.ini: malformed settings file\n");
     failure("settings set --project /proc/self/ K 1", 4,
             "/proc/self/.setting.ini: cannot write settings file");
+    failure("$F CORVEKIT_FAIL_RENAME=/.setting.ini settings set --project project K 1", 4,
+            "$T/project/.setting.ini: cannot write settings file");
     failure("settings set --project blocked/ K 1", 3,
             "blocked/.setting.ini: settings file is not a regular file");
     row("settings unset --project project/ File_Extension", 0,
@@ -333,6 +336,8 @@ void TestTool::run_data()
             "names: not a trace: a JSON array of events must begin it");
     failure("profile merge trace-a.json", 2, "merge: missing -o FILE; see --help");
     failure("profile merge trace-a.json -o /proc/m.json", 4, "/proc/m.json: cannot write");
+    failure("$F CORVEKIT_FAIL_RENAME=trace-a.json profile merge trace-a.json -o trace-a.json", 4,
+            "trace-a.json: cannot write");
     failure("profile summary trace-bad.json", 3, "trace-bad.json: byte 2: a malformed trace event");
     failure("profile summary trace-level.json", 3,
             "trace-level.json: byte 1: a malformed trace event");
@@ -363,6 +368,7 @@ void TestTool::run_data()
     row("TOOLRTF=$T/project --root installation version --pattern major-minor", 0,
         "version:       2026.2\n…");
     failure("--root nowhere env", 3, "nowhere: no such installation directory");
+    failure("--root", 2, "--root needs a directory");
     row("--root project label show_in", 0, "Show in\n",
         "corvekit: warning: project has no data folder $T/project/data: …\n");
     // The library's trace goes to standard output when TIVORANDEBUG is empty.
@@ -419,7 +425,10 @@ void TestTool::run()
     for (const auto &[path, text] : files.asKeyValueRange())
         QVERIFY(writeFile(dir.filePath(path), text));
     const Files before = readTree(dir.path());
-    QStringList words = QProcess::splitCommand(arguments.replace("$T", dir.path()));
+    QStringList words =
+        QProcess::splitCommand(arguments.replace("$T", dir.path())
+                                   .replace("$F", "LD_PRELOAD=" CORVEKIT_FAILING_CALLS
+                                                  " ASAN_OPTIONS=verify_asan_link_order=0"));
     environment.insert(QStringLiteral("TOOLRTF"), dir.filePath(QStringLiteral("installation")));
     for (; words.value(0).contains(QLatin1Char('=')); words.removeFirst())
         environment.insert(words[0].section(QLatin1Char('='), 0, 0), words[0].section('=', 1));
