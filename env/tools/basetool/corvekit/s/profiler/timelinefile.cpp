@@ -220,8 +220,8 @@ void TimelineFile::detach(const void *owner)
 {
     if (writerCount.load(std::memory_order_relaxed) == 0)
         return;
-    QExplicitlySharedDataPointer<TimelineFile>
-        last; // let go of after the lock: it may write its end
+    // Let go of after the lock: the last holder writes the file's end.
+    QExplicitlySharedDataPointer<TimelineFile> last;
     Writers &all = writers();
     const std::lock_guard<std::mutex> lock(all.mutex);
     const auto found = all.timelines.find(owner);
