@@ -186,19 +186,8 @@ int runMerge(const QStringList &arguments)
 
 int runProfile(const QStringList &arguments)
 {
-    const QString action = arguments.value(1);
-    const QStringList rest = QStringList{QStringLiteral("corvekit profile")} + arguments.mid(1);
-    if (action == QLatin1String("summary"))
-        return runSummary(rest);
-    if (action == QLatin1String("merge"))
-        return runMerge(rest);
-    if (action == QLatin1String("--help") || action == QLatin1String("-h")) {
-        printLine(QStringLiteral("Usage: corvekit profile summary [--json] TRACE...\n"
-                                 "       corvekit profile merge TRACE... -o FILE [--json]"));
-        return ExitSuccess;
-    }
-    if (action.isEmpty())
-        return fail(ExitUsage,
-                    QStringLiteral("profile: missing action; see 'corvekit profile --help'"));
-    return fail(ExitUsage, QStringLiteral("profile: unknown action '%1'").arg(action));
+    return runCommandAction(
+        QStringLiteral("profile"), arguments, {{"summary", runSummary}, {"merge", runMerge}},
+        QStringLiteral("Usage: corvekit profile summary [--json] TRACE...\n"
+                       "       corvekit profile merge TRACE... -o FILE [--json]"));
 }

@@ -419,18 +419,10 @@ int runUnset(const QStringList &arguments)
 
 int runSettings(const QStringList &arguments)
 {
-    const QString action = arguments.value(1);
-    const QStringList rest = QStringList{QStringLiteral("corvekit settings")} + arguments.mid(1);
-    if (action == QLatin1String("get"))
-        return runGet(rest);
-    if (action == QLatin1String("list"))
-        return runList(rest);
-    if (action == QLatin1String("set"))
-        return runSet(rest);
-    if (action == QLatin1String("unset"))
-        return runUnset(rest);
-    if (action == QLatin1String("--help") || action == QLatin1String("-h")) {
-        printLine(QStringLiteral(
+    return runCommandAction(
+        QStringLiteral("settings"), arguments,
+        {{"get", runGet}, {"list", runList}, {"set", runSet}, {"unset", runUnset}},
+        QStringLiteral(
             "Usage: corvekit settings get KEY [--type bool|int|string|list] [--all] "
             "[--default VALUE]\n"
             "                             [--show-scope] [--show-origin] [--project DIR] "
@@ -441,10 +433,4 @@ int runSettings(const QStringList &arguments)
             "VALUE\n"
             "       corvekit settings unset (--user | --project DIR) [--json] KEY\n"
             "Run 'corvekit settings ACTION --help' for the options of an action."));
-        return ExitSuccess;
-    }
-    if (action.isEmpty())
-        return fail(ExitUsage,
-                    QStringLiteral("settings: missing action; see 'corvekit settings --help'"));
-    return fail(ExitUsage, QStringLiteral("settings: unknown action '%1'").arg(action));
 }

@@ -148,6 +148,25 @@ int fail(ExitStatus status, const QString &message)
     return status;
 }
 
+int runCommandAction(const QString &command, const QStringList &arguments,
+                     std::initializer_list<CommandAction> actions, const QString &usage)
+{
+    const QString action = arguments.value(1);
+    const QStringList rest = QStringList{QStringLiteral("corvekit ") + command} + arguments.mid(1);
+    for (const CommandAction &candidate : actions) {
+        if (action == QLatin1String(candidate.name))
+            return candidate.run(rest);
+    }
+    if (action == QLatin1String("--help") || action == QLatin1String("-h")) {
+        printLine(usage);
+        return ExitSuccess;
+    }
+    if (action.isEmpty())
+        return fail(ExitUsage,
+                    QStringLiteral("%1: missing action; see 'corvekit %1 --help'").arg(command));
+    return fail(ExitUsage, QStringLiteral("%1: unknown action '%2'").arg(command, action));
+}
+
 int parseArguments(QCommandLineParser &parser, const QStringList &arguments, int minPositional,
                    int maxPositional)
 {

@@ -6,6 +6,7 @@
 #include <QStringList>
 
 #include <cstdio>
+#include <initializer_list>
 
 class QCommandLineOption;
 class QCommandLineParser;
@@ -43,6 +44,21 @@ void keepDataOutputApart();
 
 //! The candidate closest to \a word by edit distance, or a null QString when none is close.
 QString nearestName(const QString &word, const QStringList &candidates);
+
+//! One action of a command that has several ("settings get"), and what runs it.
+struct CommandAction
+{
+    const char *name;
+    int (*run)(const QStringList &arguments);
+};
+
+/*!
+ * Runs the action of \a command ("settings") that \a arguments name after the command, with the
+ * arguments from the action on and "corvekit COMMAND" before them. --help and -h print \a usage;
+ * a missing or unknown action is a usage error.
+ */
+int runCommandAction(const QString &command, const QStringList &arguments,
+                     std::initializer_list<CommandAction> actions, const QString &usage);
 
 /*!
  * Parses \a arguments (the subcommand's name first, with or without "corvekit ") with \a parser,
